@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Rewrites the golden files from the current build. Review the result with
+#   git diff --stat tests/data
+# The column-format tables come from gfortran instead:
+#   tests/data/column_format/make_cases.sh
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${1:-build}
+kalden=$build/bin/kalden
+
+"$kalden" records tests/data/main/hand_edited.rec TITL cell xyz CXYZ XYZ LRES ZZZZ \
+  > tests/data/main/hand_edited.records

@@ -1,0 +1,108 @@
+// kalden: the headless command-line tool. Log lines go to standard output, message boxes
+// (title and text) to standard error; exit code 0 on success, 1 on failure.
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "store/record_store.h"
+#include "util/report.h"
+#include "util/text.h"
+
+namespace {
+
+using kaldena::ConsoleReporter;
+using kaldena::RecordStore;
+
+struct Command {
+  std::string_view name;
+  std::string_view usage;
+  std::string_view summary;
+  int (*run)(const std::vector<std::string>& args);
+};
+
+int Help(const std::vector<std::string>& args);
+int Version(const std::vector<std::string>& args);
+int Records(const std::vector<std::string>& args);
+
+constexpr Command kCommands[] = {
+    {"help", "kalden help [COMMAND]", "print the commands, or the usage of one", Help},
+    {"--version", "kalden --version", "print the version", Version},
+    {"records", "kalden records FILE KEY...",
+     "print the records of each key as the record store reads them, one per line, data from "
+     "column 1 (labelled keys: label in columns 1 to 10); a key's block is headed \"== KEY\"",
+     Records},
+};
+
+const Command* FindCommand(std::string_view name) {
+  for (const Command& c : kCommands) {
+    if (c.name == name) return &c;
+  }
+  return nullptr;
+}
+
+int Usage(const Command& command) {
+  std::fprintf(stderr, "usage: %.*s\n", static_cast<int>(command.usage.size()),
+               command.usage.data());
+  return 1;
+}
+
+int Help(const std::vector<std::string>& args) {
+  if (!args.empty()) {
+    const Command* command = FindCommand(args[0]);
+    if (!command) {
+      std::fprintf(stderr, "kalden: unknown command '%s'\n", args[0].c_str());
+      return 1;
+    }
+    std::printf("usage: %.*s\n\n  %.*s\n", static_cast<int>(command->usage.size()),
+                command->usage.data(), static_cast<int>(command->summary.size()),
+                command->summary.data());
+    return 0;
+  }
+  std::printf("kalden: Rietveld refinement of powder diffraction patterns, without a window\n\n");
+  for (const Command& c : kCommands) {
+    std::printf("  %-28.*s %.*s\n", static_cast<int>(c.usage.size()), c.usage.data(),
+                static_cast<int>(c.summary.size()), c.summary.data());
+  }
+  std::printf("\n'kalden help COMMAND' tells more of one command.\n");
+  return 0;
+}
+
+int Version(const std::vector<std::string>& /*args*/) {
+  std::printf("kalden %s\n", KALDENA_VERSION);
+  return 0;
+}
+
+int Records(const std::vector<std::string>& args) {
+  if (args.size() < 2) return Usage(*FindCommand("records"));
+  ConsoleReporter reporter;
+  RecordStore store(reporter);
+  if (store.jReadRecFile(args[0]) < 1) return 1;
+  for (size_t i = 1; i < args.size(); ++i) {
+    std::string key = kaldena::UpperText(args[i]);
+    key.resize(4, ' ');
+    std::printf("== %s\n", key.c_str());
+    std::string data;
+    while (store.jFindRec(key, data) == 1) {
+      std::printf("%s\n", std::string(kaldena::Trimmed(data)).c_str());
+    }
+  }
+  store.jCloseRec();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) {
+    Help({});
+    return 1;
+  }
+  const Command* command = FindCommand(argv[1]);
+  if (!command) {
+    std::fprintf(stderr, "kalden: unknown command '%s'; 'kalden help' lists the commands\n",
+                 argv[1]);
+    return 1;
+  }
+  return command->run(std::vector<std::string>(argv + 2, argv + argc));
+}
