@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "main/commands.h"
 #include "store/record_store.h"
 #include "util/report.h"
 #include "util/text.h"
@@ -17,6 +18,7 @@ using kaldena::RecordStore;
 struct Command {
   std::string_view name;
   std::string_view usage;
+  std::string_view brief;
   std::string_view summary;
   int (*run)(const std::vector<std::string>& args);
 };
@@ -26,12 +28,22 @@ int Version(const std::vector<std::string>& args);
 int Records(const std::vector<std::string>& args);
 
 constexpr Command kCommands[] = {
-    {"help", "kalden help [COMMAND]", "print the commands, or the usage of one", Help},
-    {"--version", "kalden --version", "print the version", Version},
-    {"records", "kalden records FILE KEY...",
+    {"help", "kalden help [COMMAND]", "the commands, or the usage of one",
+     "print the commands, or the usage of one", Help},
+    {"--version", "kalden --version", "the version", "print the version", Version},
+    {"records", "kalden records FILE KEY...", "records as the store reads them",
      "print the records of each key as the record store reads them, one per line, data from "
      "column 1 (labelled keys: label in columns 1 to 10); a key's block is headed \"== KEY\"",
      Records},
+    {"spacegroup", "kalden spacegroup SYMBOL [--json]", "how a space-group symbol is read",
+     "how a space-group symbol is read (fields separated by blanks, \"P 21/C\"; compact "
+     "\"P21/c\" is converted): Laue class, unique axis, centric code, polar axes, generator "
+     "words and operators",
+     kaldena::SpaceGroupCommand},
+    {"element", "kalden element SYMBOL [--wavelength W]", "scattering data of an element",
+     "atomic number, mass and the eleven scattering values of an element at a wavelength "
+     "(default 1.54052; 0 or below for neutrons)",
+     kaldena::ElementCommand},
 };
 
 const Command* FindCommand(std::string_view name) {
@@ -61,8 +73,8 @@ int Help(const std::vector<std::string>& args) {
   }
   std::printf("kalden: Rietveld refinement of powder diffraction patterns, without a window\n\n");
   for (const Command& c : kCommands) {
-    std::printf("  %-28.*s %.*s\n", static_cast<int>(c.usage.size()), c.usage.data(),
-                static_cast<int>(c.summary.size()), c.summary.data());
+    std::printf("  %-40.*s %.*s\n", static_cast<int>(c.usage.size()), c.usage.data(),
+                static_cast<int>(c.brief.size()), c.brief.data());
   }
   std::printf("\n'kalden help COMMAND' tells more of one command.\n");
   return 0;

@@ -1,0 +1,86 @@
+#!/usr/bin/python3
+"""Writes tests/data/crystal/space_groups.txt: the general positions of every space group in
+the settings that users type, as a reference for the symbol reader.
+
+Source: gemmi's table of space-group settings (International Tables for Crystallography,
+Vol. A). Run with Debian's python3 and python3-gemmi:  /usr/bin/python3 scripts/data/make_space_group_reference.py
+
+One line per setting:
+  number|symbol as typed|Laue class|unique axis|centric code|order|op;op;...
+Laue classes: 1 -1, 2 2/m, 3 mmm, 4 4/m, 5 4/mmm, 6 -3 (rhombohedral axes), 7 -3m (rhombohedral
+axes), 8 -3, 9 -3m1, 10 -31m, 11 6/m, 12 6/mmm, 13 m-3, 14 m-3m. Unique axis 1, 2, 3 for a, b, c
+of a monoclinic setting, else 0. Centric code 2 for a centrosymmetric group, else 1. The
+operators include the centring translations, with translations in [0, 1), sorted.
+"""
+import os
+import gemmi
+
+OUT = os.path.join(os.path.dirname(__file__), "..", "..", "tests", "data", "crystal",
+                   "space_groups.txt")
+
+LAUE = {"-1": 1, "2/m": 2, "mmm": 3, "4/m": 4, "4/mmm": 5, "6/m": 11, "6/mmm": 12,
+        "m-3": 13, "m-3m": 14}
+
+
+def laue_class(sg, fields, rhombohedral_axes):
+    laue = sg.laue_str()
+    if laue in LAUE:
+        return LAUE[laue]
+    if rhombohedral_axes:
+        return 6 if laue == "-3" else 7
+    if laue == "-3":
+        return 8
+    if sg.hm.startswith("R"):
+        return 9
+    # P trigonal with a two-fold or mirror: by the place of the "1" in the symbol
+    return 9 if fields[3] == "1" else 10
+
+
+def setting_row(sg, typed, unique_axis, rhombohedral_axes=False):
+    fields = sg.hm.split()
+    ops = sorted(op.wrap().triplet() for op in sg.operations())
+    centric = 2 if sg.operations().is_centrosymmetric() else 1
+    return "%d|%s|%d|%d|%d|%d|%s" % (sg.number, typed, laue_class(sg, fields, rhombohedral_axes),
+                                      unique_axis, centric, len(ops), ";".join(ops))
+
+
+def standard(number):
+    """The standard setting: origin choice 2 where there are two, hexagonal axes for R."""
+    for sg in gemmi.spacegroup_table():
+        if sg.number != number:
+            continue
+        if 3 <= number <= 15:
+            if sg.qualifier in ("b", "b1"):
+                return sg
+        elif sg.ext in ("\x00", "2", "H"):
+            return sg
+    raise SystemExit("no standard setting for %d" % number)
+
+
+def main():
+    rows = []
+    for number in range(1, 231):
+        sg = standard(number)
+        fields = sg.hm.upper().split()
+        if 3 <= number <= 15:
+            # short form without the "1" fields, and the full form
+            rows.append(setting_row(sg, fields[0] + " " + fields[2], 2))
+            rows.append(setting_row(sg, " ".join(fields), 2))
+            for axis, qualifiers in ((1, ("a", "a1")), (3, ("c", "c1"))):
+                other = next(s for s in gemmi.spacegroup_table()
+                             if s.number == number and s.qualifier in qualifiers)
+                rows.append(setting_row(other, other.hm.upper(), axis))
+        else:
+            rows.append(setting_row(sg, " ".join(fields), 0))
+        if sg.ext == "H":
+            rhombic = gemmi.find_spacegroup_by_name(sg.hm + ":R")
+            rows.append(setting_row(rhombic, rhombic.hm.upper() + " R", 0, True))
+    with open(OUT, "w") as out:
+        out.write("# General positions by setting, from gemmi %s (International Tables A).\n"
+                  % gemmi.__version__)
+        out.write("# number|symbol as typed|Laue class|unique axis|centric code|order|operators\n")
+        for row in rows:
+            out.write(row + "\n")
+
+
+main()
