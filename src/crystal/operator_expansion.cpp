@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "crystal/space_group.h"
+#include "util/column_format.h"
 
 namespace kaldena {
 
@@ -14,6 +15,10 @@ using Point = std::array<float, 3>;
 constexpr Point kTestPoint = {2.0f / 108.0f, 3.0f / 108.0f, 4.0f / 108.0f};
 constexpr float kQuarterShift[4] = {0.0f, 0.5f, 0.25f, 0.75f};
 constexpr float kSameTolerance = 0.0001f;
+constexpr float kNearTolerance = 0.0002f;
+// Radius of the cluster of orbit points around a position just off a special set: the images
+// of such a position spread over a few times its distance from the set.
+constexpr float kClusterRadius = 4.0f * kNearTolerance;
 
 float Reduce(float c) {
   float r = std::fmod(c + 8.0f, 1.0f);
@@ -97,9 +102,80 @@ void DecodeRow(float c, float* row) {
   }
 }
 
-bool ValidWord(GeneratorWord word) {
-  return word > 0 && word / 8192 <= 2 && (word / 8192 != 2 || word == kDiagonalThreeFoldWord);
+// The difference b - a of two coordinates taken the short way round the cell.
+float Offset(float a, float b) {
+  float d = std::fmod(b - a, 1.0f);
+  if (d > 0.5f) d -= 1.0f;
+  if (d < -0.5f) d += 1.0f;
+  return d;
 }
+
+bool Within(const Point& a, const Point& b, float tolerance) {
+  for (int i = 0; i < 3; ++i) {
+    if (std::fabs(Offset(a[i], b[i])) > tolerance) return false;
+  }
+  return true;
+}
+
+bool IsThreeFold(GeneratorWord word) {
+  return word == kDiagonalThreeFoldWord || (word > kRhombohedralCentringWord && word < 16384);
+}
+
+// One pass of the site search: the orbit of p, the flags of the generators that fix p, the
+// multiplicity factor (orbit size over group order) and, when an orbit point lies just beside
+// p, the cluster of orbit points around p.
+void FindSite(const std::vector<GeneratorWord>& words, const Point& p, SiteSymmetry& site,
+              std::vector<Point>& near, bool& nearThreeFold) {
+  site = SiteSymmetry{};
+  near.clear();
+  nearThreeFold = false;
+  std::vector<Point> orbit = {p};
+  int order = 1;
+  for (size_t k = 0; k < words.size(); ++k) {
+    const size_t before = orbit.size();
+    int count = 1;
+    for (size_t i = 0; i < before; ++i) {
+      Point images[2];
+      count = Images(words[k], orbit[i], images);
+      for (int c = 0; c < count; ++c) {
+        const Point image = Reduced(images[c]);
+        if (i == 0 && Within(image, p, kSameTolerance)) site.flags |= 1 << k;
+        bool seen = false;
+        for (const Point& q : orbit) seen = seen || Within(q, image, kSameTolerance);
+        if (seen) continue;
+        orbit.push_back(image);
+        if (Within(image, p, kNearTolerance)) {
+          nearThreeFold = nearThreeFold || IsThreeFold(words[k]);
+          near.push_back(image);
+        }
+      }
+    }
+    order *= count + 1;
+  }
+  site.multiplicityFactor = static_cast<float>(orbit.size()) / static_cast<float>(order);
+  if (near.empty()) return;
+  near.clear();
+  for (size_t i = 1; i < orbit.size(); ++i) {
+    if (Within(orbit[i], p, kClusterRadius)) near.push_back(orbit[i]);
+  }
+}
+
+// The centre of p and the images beside it: the nearest point of the special set.
+Point Centre(const Point& p, const std::vector<Point>& near) {
+  Point centre = p;
+  for (int i = 0; i < 3; ++i) {
+    float sum = 0.0f;
+    for (const Point& q : near) sum += Offset(p[i], q[i]);
+    centre[i] = Reduce(p[i] + sum / static_cast<float>(near.size() + 1));
+  }
+  return centre;
+}
+
+bool OnDiagonalSet(const Point& p) {
+  return std::fabs(Offset(p[0], p[1])) <= kSameTolerance ||
+         std::fabs(Offset(-p[0], p[1])) <= kSameTolerance;
+}
+
 
 void SetCentricAndPolar(SpaceGroupInfo& info, const std::vector<GeneratorWord>& words) {
   info.centricCode = 1;
@@ -122,6 +198,10 @@ void SetCentricAndPolar(SpaceGroupInfo& info, const std::vector<GeneratorWord>& 
 
 }  // namespace
 
+bool IsValidGeneratorWord(GeneratorWord word) {
+  return word > 0 && word / 8192 <= 2 && (word / 8192 != 2 || word == kDiagonalThreeFoldWord);
+}
+
 ExpandStatus ExpandOperators(SpaceGroupInfo& info) {
   std::vector<GeneratorWord> words;
   for (GeneratorWord w : info.generatorWords) {
@@ -130,7 +210,7 @@ ExpandStatus ExpandOperators(SpaceGroupInfo& info) {
   }
   info.operators.clear();
   for (GeneratorWord w : words) {
-    if (!ValidWord(w)) return ExpandStatus::kWrongOperator;
+    if (!IsValidGeneratorWord(w)) return ExpandStatus::kWrongOperator;
     if (w < 8192 && RotationPart(w) == kInversionWord && (w & 0x1ECC) != 0) {
       return ExpandStatus::kCentreOffOrigin;
     }
@@ -159,6 +239,39 @@ ExpandStatus ExpandOperators(SpaceGroupInfo& info) {
   }
   SetCentricAndPolar(info, words);
   return ExpandStatus::kOk;
+}
+
+ExpandStatus SitePosition(const SpaceGroupInfo& info, std::array<float, 3>& position,
+                          SiteSymmetry& site, std::vector<std::string>& listLines) {
+  std::vector<GeneratorWord> words;
+  for (GeneratorWord w : info.generatorWords) {
+    if (w == 0 || words.size() == 8) break;
+    if (!IsValidGeneratorWord(w)) return ExpandStatus::kWrongOperator;
+    words.push_back(w);
+  }
+  bool moved = false;
+  std::vector<Point> near;
+  for (int pass = 1; pass <= 3; ++pass) {
+    bool nearThreeFold = false;
+    FindSite(words, position, site, near, nearThreeFold);
+    if (near.empty()) return moved ? ExpandStatus::kPositionMoved : ExpandStatus::kOk;
+    if (pass == 3) break;
+    const Point centre = Centre(position, near);
+    if (nearThreeFold && !OnDiagonalSet(centre)) {
+      listLines.push_back(FormatLine("(' NO X,X,Z OR X,-X,Z SET WAS FOUND FOR',4F9.5)",
+                                     position[0], position[1], position[2],
+                                     site.multiplicityFactor));
+      return ExpandStatus::kNoMirrorSet;
+    }
+    listLines.push_back(FormatLine("(' THE ATOM AT ',3F9.5,' WAS PUT AT',3F9.5)", position[0],
+                               position[1], position[2], centre[0], centre[1], centre[2]));
+    position = centre;
+    moved = true;
+  }
+  listLines.insert(listLines.end(), {" THERE ARE UNRESOLVABLE PROBLEMS WITH THE", " POSITION SET",
+                                     " ATTEMPTS TO DEFINE THE TRUE SITE SYMMETRY",
+                                     " WERE ABANDONED."});
+  return ExpandStatus::kUnresolvable;
 }
 
 }  // namespace kaldena

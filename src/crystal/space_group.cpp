@@ -109,7 +109,8 @@ int ReadPhaseSpaceGroup(std::string_view symbol, SpaceGroupInfo& info,
   }
   if (status == ExpandStatus::kWrongOperator) {
     for (GeneratorWord w : info.generatorWords) {
-      listLines.push_back(Format("(' SYMMETRY OPERATOR ',I6,' IS WRONG')", w));
+      if (IsValidGeneratorWord(w)) continue;
+      listLines.push_back(FormatLine("(' SYMMETRY OPERATOR ',I6,' IS WRONG')", w));
     }
     listLines.push_back("Wrong symmetry operator");
     return 1;

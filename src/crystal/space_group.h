@@ -82,6 +82,9 @@ enum class ExpandStatus {
 // generator words. The operators are not built.
 SymbolStatus ParseSpaceGroupSymbol(std::string_view symbol, SpaceGroupInfo& info);
 
+// True for a word that the expansion can apply.
+bool IsValidGeneratorWord(GeneratorWord word);
+
 // Builds the operators of `info` from its generator words, and its centric code and polar
 // axes. Site flags and multiplicity are those of the test point, a general position.
 ExpandStatus ExpandOperators(SpaceGroupInfo& info);
@@ -95,6 +98,19 @@ SpaceGroupInfo GetSpaceGroupOperators(std::string& symbol, Reporter& reporter);
 // of the list file and a status returned instead of a reset (0 good, 1 failed).
 int ReadPhaseSpaceGroup(std::string_view symbol, SpaceGroupInfo& info,
                         std::vector<std::string>& listLines);
+
+struct SiteSymmetry {
+  int flags = 0;                 // bit k set when generator word k maps the position onto itself
+  float multiplicityFactor = 1;  // orbit size over group order: 1 for a general position
+};
+
+// The site of an atom position, for the engine: the position is expanded through the generator
+// words and every image that falls on it (within 0.0001) marks an element of its site. An
+// image within 0.0002 that is not on it means the position lies just off a special set: it is
+// moved onto the set (the centre of those images), " THE ATOM AT ... WAS PUT AT ..." goes to
+// the list file, and the site is found again, for at most three passes.
+ExpandStatus SitePosition(const SpaceGroupInfo& info, std::array<float, 3>& position,
+                          SiteSymmetry& site, std::vector<std::string>& listLines);
 
 // An operator as text: "x,y,z", "-x,y+1/2,-z+1/2", "x-y,x,z+1/6".
 std::string OperatorText(const SymmetryOperator& op);

@@ -51,6 +51,14 @@ std::string Format(std::string_view format, const T&... args) {
   return WriteFormatted(format, std::span<const FormatArg>(list, sizeof...(T)));
 }
 
+// One line by the format, without its line end: for formats that make a single record.
+template <typename... T>
+std::string FormatLine(std::string_view format, const T&... args) {
+  std::string text = Format(format, args...);
+  if (!text.empty() && text.back() == '\n') text.pop_back();
+  return text;
+}
+
 // One variable that the reader fills.
 class ReadTarget {
  public:
