@@ -14,4 +14,4 @@ cmake --build "$build" -j "$(nproc)" --target "${target}_fuzz"
 corpus=$build/corpus/$target
 mkdir -p "$corpus"
 cp -n tests/data/main/*.rec "$corpus"/ 2>/dev/null || true
-"$build"/bin/"${target}_fuzz" -max_total_time="$seconds" -max_len=65536 "$corpus"
+"$build"/bin/"${target}_fuzz" -max_total_time="$seconds" -max_len=65536 -timeout=10 "$corpus"

@@ -39,9 +39,13 @@ class OperationSet {
   std::vector<Seitz> ops_;
 };
 
+// The point group of the rotations, or an empty list when they make none: a crystal's point
+// group has at most 48 elements.
 std::vector<Matrix> RotationClosure(const std::vector<Matrix>& generators) {
+  constexpr size_t kLargestPointGroup = 48;
   std::vector<Matrix> group = {Seitz().r};
   for (size_t i = 0; i < group.size(); ++i) {
+    if (group.size() > kLargestPointGroup) return {};
     for (const Matrix& g : generators) {
       const Matrix product = Compose({g, {}}, {group[i], {}}).r;
       if (std::find(group.begin(), group.end(), product) == group.end()) group.push_back(product);
@@ -405,6 +409,7 @@ bool FindGeneratorWords(const SymbolRecipe& recipe, std::vector<GeneratorWord>& 
   std::vector<Matrix> namedRotations;
   for (const SymbolElement& e : recipe.elements) namedRotations.push_back(e.op.r);
   const std::vector<Matrix> pointGroup = RotationClosure(namedRotations);
+  if (pointGroup.empty()) return false;
   const bool centric = HasInversion(pointGroup);
   const std::vector<Slot> slots = Slots(recipe, centric);
 

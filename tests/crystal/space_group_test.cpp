@@ -173,7 +173,8 @@ TEST(SpaceGroup, SymbolsThatFail) {
   EXPECT_EQ(ParseSpaceGroupSymbol("P 21/C*", info), SymbolStatus::kBadCharacter);
   EXPECT_EQ(ParseSpaceGroupSymbol("P 21/É", info), SymbolStatus::kBadCharacter);
   for (const char* symbol : {"M 21/C", "N M A", "D 3", "P", "", "P 5", "P 4 3 D",
-                             "P 21/Q", "P 1 1 1", "P 3 2 2", "P -2", "P 43/B"}) {
+                             "P 21/Q", "P 1 1 1", "P 3 2 2", "P -2", "P 43/B",
+                             "A 3    31"}) {
     EXPECT_NE(ParseSpaceGroupSymbol(symbol, info), SymbolStatus::kOk) << symbol;
   }
 }
