@@ -19,8 +19,8 @@ std::vector<std::string> StandardSymbols() {
     const int number = std::stoi(line);
     if (number == last) continue;
     last = number;
-    symbols.push_back(line.substr(line.find('|') + 1, line.find('|', line.find('|') + 1) -
-                                                          line.find('|') - 1));
+    symbols.push_back(
+        line.substr(line.find('|') + 1, line.find('|', line.find('|') + 1) - line.find('|') - 1));
   }
   return symbols;
 }

@@ -22,8 +22,14 @@ constexpr const char* kKeys[] = {
     "BETA", "SDBE", "CXYZ", "CBET", "CRES", "LRES", "RVAL", "CRYS", "CIF1", "CIF2", "TABL",
     "DIST", "FORD", "FLIM", "PTIT", "AXTD", "FXYZ", "PXYZ", "QPLO", "XSCA", "END "};
 
-constexpr const char* kLayouts[] = {"(8I5)", "(7f10.0)", "(a4,6x,i3,5f9.5)", "(a4,6x,6f10.0)",
-                                    "(I5,5F5.0,3F10.0)", "6(A4,I6,1X)", "(5E14.7)", "(a)"};
+constexpr const char* kLayouts[] = {"(8I5)",
+                                    "(7f10.0)",
+                                    "(a4,6x,i3,5f9.5)",
+                                    "(a4,6x,6f10.0)",
+                                    "(I5,5F5.0,3F10.0)",
+                                    "6(A4,I6,1X)",
+                                    "(5E14.7)",
+                                    "(a)"};
 
 class SilentReporter : public kaldena::Reporter {
  public:

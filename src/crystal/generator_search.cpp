@@ -135,9 +135,7 @@ std::vector<Vector> Candidates(const SymbolRecipe& recipe, const Matrix& m) {
       for (int x : steps) list.push_back({x, y, z});
     }
   }
-  auto nonZero = [](const Vector& v) {
-    return (v[0] != 0) + (v[1] != 0) + (v[2] != 0);
-  };
+  auto nonZero = [](const Vector& v) { return (v[0] != 0) + (v[1] != 0) + (v[2] != 0); };
   std::stable_sort(list.begin(), list.end(),
                    [&](const Vector& a, const Vector& b) { return nonZero(a) < nonZero(b); });
   return list;
@@ -213,8 +211,8 @@ std::vector<NamedElement> NamedElements(const SymbolRecipe& recipe,
   for (const SymbolElement& e : recipe.elements) {
     NamedElement n;
     n.plane = e.plane;
-    n.dGlide = e.plane && std::any_of(e.op.t.begin(), e.op.t.end(),
-                                      [](int t) { return t % 6 != 0; });
+    n.dGlide =
+        e.plane && std::any_of(e.op.t.begin(), e.op.t.end(), [](int t) { return t % 6 != 0; });
     for (const Matrix& p : pointGroup) {
       if (!e.anyDirection && !e.plane && p != Seitz().r) continue;
       const Seitz rotate{p, {0, 0, 0}};
@@ -337,42 +335,18 @@ struct OriginShift {
 };
 
 constexpr OriginShift kOriginShifts[] = {
-    {"P 21 21 21", {0, 6, 0}},
-    {"I 21 21 21", {0, 6, 0}},
-    {"P C A 21", {6, 0, 0}},
-    {"P N A 21", {6, 6, 0}},
-    {"C C C A", {6, 6, 0}},
-    {"I B C A", {6, 6, 6}},
-    {"I 41", {0, 12, 0}},
-    {"P 42/N", {0, 12, 0}},
-    {"I 41/A", {6, 6, 6}},
-    {"P 4 21 2", {0, 12, 0}},
-    {"P 41 2 2", {0, 0, 6}},
-    {"P 41 21 2", {0, 0, 6}},
-    {"P 43 2 2", {0, 0, 6}},
-    {"I 41 2 2", {0, 12, 6}},
-    {"I 41 M D", {0, 12, 0}},
-    {"I 41 C D", {0, 12, 0}},
-    {"P -4 2 C", {0, 0, 6}},
-    {"P -4 C 2", {0, 0, 6}},
-    {"P -4 B 2", {0, 12, 0}},
-    {"P -4 N 2", {0, 12, 6}},
-    {"I -4 C 2", {0, 0, 6}},
-    {"I 41/A M D", {6, 18, 6}},
-    {"I 41/A C D", {6, 18, 6}},
-    {"P 31 1 2", {0, 0, 4}},
-    {"P 32 1 2", {0, 0, 8}},
-    {"P 61 2 2", {0, 0, 8}},
-    {"P 65 2 2", {0, 0, 4}},
-    {"P 62 2 2", {0, 0, 4}},
-    {"P 64 2 2", {0, 0, 8}},
-    {"I A 3", {6, 6, 6}},
-    {"P 43 3 2", {9, 9, 9}},
-    {"P 41 3 2", {3, 3, 3}},
-    {"I 41 3 2", {9, 9, 9}},
-    {"I -4 3 D", {6, 6, 6}},
-    {"I 4 3 D", {6, 6, 6}},
-    {"I A 3 D", {6, 6, 6}},
+    {"P 21 21 21", {0, 6, 0}},  {"I 21 21 21", {0, 6, 0}},  {"P C A 21", {6, 0, 0}},
+    {"P N A 21", {6, 6, 0}},    {"C C C A", {6, 6, 0}},     {"I B C A", {6, 6, 6}},
+    {"I 41", {0, 12, 0}},       {"P 42/N", {0, 12, 0}},     {"I 41/A", {6, 6, 6}},
+    {"P 4 21 2", {0, 12, 0}},   {"P 41 2 2", {0, 0, 6}},    {"P 41 21 2", {0, 0, 6}},
+    {"P 43 2 2", {0, 0, 6}},    {"I 41 2 2", {0, 12, 6}},   {"I 41 M D", {0, 12, 0}},
+    {"I 41 C D", {0, 12, 0}},   {"P -4 2 C", {0, 0, 6}},    {"P -4 C 2", {0, 0, 6}},
+    {"P -4 B 2", {0, 12, 0}},   {"P -4 N 2", {0, 12, 6}},   {"I -4 C 2", {0, 0, 6}},
+    {"I 41/A M D", {6, 18, 6}}, {"I 41/A C D", {6, 18, 6}}, {"P 31 1 2", {0, 0, 4}},
+    {"P 32 1 2", {0, 0, 8}},    {"P 61 2 2", {0, 0, 8}},    {"P 65 2 2", {0, 0, 4}},
+    {"P 62 2 2", {0, 0, 4}},    {"P 64 2 2", {0, 0, 8}},    {"I A 3", {6, 6, 6}},
+    {"P 43 3 2", {9, 9, 9}},    {"P 41 3 2", {3, 3, 3}},    {"I 41 3 2", {9, 9, 9}},
+    {"I -4 3 D", {6, 6, 6}},    {"I 4 3 D", {6, 6, 6}},     {"I A 3 D", {6, 6, 6}},
 };
 
 // The generators seen from an origin at p (24ths): t' = t + (R - I) p. A centre of symmetry
@@ -420,8 +394,9 @@ bool FindGeneratorWords(const SymbolRecipe& recipe, std::vector<GeneratorWord>& 
 
   const std::vector<NamedElement> named = NamedElements(recipe, pointGroup);
   SearchState state{named, slots, {}, {}, -1};
-  Search(state, 0, LatticeTranslations(ScrewsApart(recipe) ? std::vector<GeneratorWord>{}
-                                                            : recipe.centringWords));
+  Search(state, 0,
+         LatticeTranslations(ScrewsApart(recipe) ? std::vector<GeneratorWord>{}
+                                                 : recipe.centringWords));
   if (state.bestScore < 0) return false;
   const OperationSet lattice = LatticeTranslations(recipe.centringWords);
   if (!ShiftOrigin(Trimmed(recipe.symbol), lattice, state.best)) return false;

@@ -176,7 +176,6 @@ bool OnDiagonalSet(const Point& p) {
          std::fabs(Offset(-p[0], p[1])) <= kSameTolerance;
 }
 
-
 void SetCentricAndPolar(SpaceGroupInfo& info, const std::vector<GeneratorWord>& words) {
   info.centricCode = 1;
   info.polarAxes = 7;
@@ -258,19 +257,18 @@ ExpandStatus SitePosition(const SpaceGroupInfo& info, std::array<float, 3>& posi
     if (pass == 3) break;
     const Point centre = Centre(position, near);
     if (nearThreeFold && !OnDiagonalSet(centre)) {
-      listLines.push_back(FormatLine("(' NO X,X,Z OR X,-X,Z SET WAS FOUND FOR',4F9.5)",
-                                     position[0], position[1], position[2],
-                                     site.multiplicityFactor));
+      listLines.push_back(FormatLine("(' NO X,X,Z OR X,-X,Z SET WAS FOUND FOR',4F9.5)", position[0],
+                                     position[1], position[2], site.multiplicityFactor));
       return ExpandStatus::kNoMirrorSet;
     }
     listLines.push_back(FormatLine("(' THE ATOM AT ',3F9.5,' WAS PUT AT',3F9.5)", position[0],
-                               position[1], position[2], centre[0], centre[1], centre[2]));
+                                   position[1], position[2], centre[0], centre[1], centre[2]));
     position = centre;
     moved = true;
   }
-  listLines.insert(listLines.end(), {" THERE ARE UNRESOLVABLE PROBLEMS WITH THE", " POSITION SET",
-                                     " ATTEMPTS TO DEFINE THE TRUE SITE SYMMETRY",
-                                     " WERE ABANDONED."});
+  listLines.insert(listLines.end(),
+                   {" THERE ARE UNRESOLVABLE PROBLEMS WITH THE", " POSITION SET",
+                    " ATTEMPTS TO DEFINE THE TRUE SITE SYMMETRY", " WERE ABANDONED."});
   return ExpandStatus::kUnresolvable;
 }
 

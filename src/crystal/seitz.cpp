@@ -106,8 +106,7 @@ GeneratorWord PackWord(const Seitz& op) {
   for (int thirds = 0; thirds < 3; ++thirds) {
     const int tz = QuarterCode(Wrap12(op.t[2] - 4 * thirds));
     if (tz >= 0) {
-      return xs + 4 * tx + 16 * ys + 64 * ty + 256 * (z[2] < 0 ? 1 : 0) + 512 * tz +
-             2048 * thirds;
+      return xs + 4 * tx + 16 * ys + 64 * ty + 256 * (z[2] < 0 ? 1 : 0) + 512 * tz + 2048 * thirds;
     }
   }
   return -1;
@@ -128,7 +127,9 @@ Seitz UnpackWord(GeneratorWord word) {
   op.r = {x[0], x[1], x[2], y[0], y[1], y[2], 0, 0, zSign};
   const int thirds = (word / 2048) % 4;
   op.t = {kQuarterTwelfths[(word / 4) % 4], kQuarterTwelfths[(word / 64) % 4],
-          Wrap12(kQuarterTwelfths[(word / 512) % 4] + 4 * (thirds == 0 ? 0 : thirds == 1 ? 1 : 2))};
+          Wrap12(kQuarterTwelfths[(word / 512) % 4] + 4 * (thirds == 0   ? 0
+                                                           : thirds == 1 ? 1
+                                                                         : 2))};
   return op;
 }
 

@@ -34,20 +34,20 @@ inline constexpr int RotationPart(GeneratorWord word) { return word & 0x133; }
 using SymmetryOperator = std::array<float, 12>;
 
 enum class LaueClass {
-  kTriclinic = 1,       // "1BAR    "
-  kMonoclinic,          // "2/M     "
-  kOrthorhombic,        // "MMM     "
-  kTetragonalLow,       // "4/M     "
-  kTetragonalHigh,      // "4/MMM   "
-  kRhombohedralLow,     // "3BAR   R"
-  kRhombohedralHigh,    // "3BAR M R"
-  kTrigonalLow,         // "3BAR    "
-  kTrigonalM1,          // "3BAR M 1"
-  kTrigonal1M,          // "3BAR 1 M"
-  kHexagonalLow,        // "6/M     "
-  kHexagonalHigh,       // "6/MMM   "
-  kCubicLow,            // "M3      "
-  kCubicHigh,           // "M3M     "
+  kTriclinic = 1,     // "1BAR    "
+  kMonoclinic,        // "2/M     "
+  kOrthorhombic,      // "MMM     "
+  kTetragonalLow,     // "4/M     "
+  kTetragonalHigh,    // "4/MMM   "
+  kRhombohedralLow,   // "3BAR   R"
+  kRhombohedralHigh,  // "3BAR M R"
+  kTrigonalLow,       // "3BAR    "
+  kTrigonalM1,        // "3BAR M 1"
+  kTrigonal1M,        // "3BAR 1 M"
+  kHexagonalLow,      // "6/M     "
+  kHexagonalHigh,     // "6/MMM   "
+  kCubicLow,          // "M3      "
+  kCubicHigh,         // "M3M     "
 };
 
 // The 8-character label of a Laue class 1 to 14.
@@ -71,11 +71,11 @@ enum class SymbolStatus {
 
 enum class ExpandStatus {
   kOk = 0,
-  kCentreOffOrigin = 3, // an inversion word that carries a translation
-  kNoMirrorSet = 4,     // no x,x,z or x,-x,z set found for a position
-  kPositionMoved = 5,   // a position was moved onto its special set
-  kWrongOperator = 6,   // a generator that no space group can hold: fatal
-  kUnresolvable = 7,    // the special set of a position could not be settled
+  kCentreOffOrigin = 3,  // an inversion word that carries a translation
+  kNoMirrorSet = 4,      // no x,x,z or x,-x,z set found for a position
+  kPositionMoved = 5,    // a position was moved onto its special set
+  kWrongOperator = 6,    // a generator that no space group can hold: fatal
+  kUnresolvable = 7,     // the special set of a position could not be settled
 };
 
 // Reads a symbol (blank-separated fields, any case) into Laue class, unique axis and

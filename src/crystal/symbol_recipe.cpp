@@ -19,7 +19,7 @@ constexpr Matrix kInversion = {-1, 0, 0, 0, -1, 0, 0, 0, -1};
 constexpr Matrix kTwoX = {1, 0, 0, 0, -1, 0, 0, 0, -1};
 constexpr Matrix kTwoY = {-1, 0, 0, 0, 1, 0, 0, 0, -1};
 constexpr Matrix kTwoZ = {-1, 0, 0, 0, -1, 0, 0, 0, 1};
-constexpr Matrix kTwo110 = {0, 1, 0, 1, 0, 0, 0, 0, -1};    // y, x, -z
+constexpr Matrix kTwo110 = {0, 1, 0, 1, 0, 0, 0, 0, -1};     // y, x, -z
 constexpr Matrix kTwo1m10 = {0, -1, 0, -1, 0, 0, 0, 0, -1};  // -y, -x, -z
 constexpr Matrix kFourZ = {0, -1, 0, 1, 0, 0, 0, 0, 1};      // -y, x, z
 constexpr Matrix kThreeZ = {0, -1, 0, 1, -1, 0, 0, 0, 1};    // -y, x-y, z
@@ -42,23 +42,23 @@ struct Direction {
 // Glide vectors: planes normal to x, y, z, the diagonal planes of tetragonal and cubic
 // groups, those of the hexagonal groups and the rhombohedral axes. A zero vector marks a
 // glide that does not lie in the plane.
-constexpr Direction kAlongX = {kTwoX, {12, 0, 0}, {0, 0, 0}, {0, 6, 0}, {0, 0, 6}, {0, 6, 6},
-                               {0, 3, 3}};
-constexpr Direction kAlongY = {kTwoY, {0, 12, 0}, {6, 0, 0}, {0, 0, 0}, {0, 0, 6}, {6, 0, 6},
-                               {3, 0, 3}};
-constexpr Direction kAlongZ = {kTwoZ, {0, 0, 12}, {6, 0, 0}, {0, 6, 0}, {0, 0, 0}, {6, 6, 0},
-                               {3, 3, 0}};
+constexpr Direction kAlongX = {kTwoX,     {12, 0, 0}, {0, 0, 0}, {0, 6, 0},
+                               {0, 0, 6}, {0, 6, 6},  {0, 3, 3}};
+constexpr Direction kAlongY = {kTwoY,     {0, 12, 0}, {6, 0, 0}, {0, 0, 0},
+                               {0, 0, 6}, {6, 0, 6},  {3, 0, 3}};
+constexpr Direction kAlongZ = {kTwoZ,     {0, 0, 12}, {6, 0, 0}, {0, 6, 0},
+                               {0, 0, 0}, {6, 6, 0},  {3, 3, 0}};
 // Plane normal to [1-10] (y, x, z) and the two-fold along [110].
-constexpr Direction kDiagonal = {kTwo110, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 6},
-                                 {6, 6, 6}, {3, 3, 3}};
+constexpr Direction kDiagonal = {kTwo110,   {0, 0, 0}, {0, 0, 0}, {0, 0, 0},
+                                 {0, 0, 6}, {6, 6, 6}, {3, 3, 3}};
 // Hexagonal axes: second field two-fold along [110], plane -y, -x, z.
-constexpr Direction kHexSecond = {kTwo110, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 6},
-                                  {0, 0, 0}, {0, 0, 0}};
+constexpr Direction kHexSecond = {kTwo110,   {0, 0, 0}, {0, 0, 0}, {0, 0, 0},
+                                  {0, 0, 6}, {0, 0, 0}, {0, 0, 0}};
 // Third field (and the second on rhombohedral axes): two-fold along [1-10], plane y, x, z.
-constexpr Direction kHexThird = {kTwo1m10, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 6},
-                                 {0, 0, 0}, {0, 0, 0}};
-constexpr Direction kRhombohedral = {kTwo1m10, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}, {6, 6, 6},
-                                     {0, 0, 0}, {0, 0, 0}};
+constexpr Direction kHexThird = {kTwo1m10,  {0, 0, 0}, {0, 0, 0}, {0, 0, 0},
+                                 {0, 0, 6}, {0, 0, 0}, {0, 0, 0}};
+constexpr Direction kRhombohedral = {kTwo1m10,  {0, 0, 0}, {0, 0, 0}, {0, 0, 0},
+                                     {6, 6, 6}, {0, 0, 0}, {0, 0, 0}};
 
 // The parts of one field: an axis ("-4", "21", "63") and a plane letter behind it or alone.
 struct FieldParts {
@@ -282,8 +282,7 @@ bool AddFieldElements(SymbolRecipe& r) {
     std::optional<FieldParts> parts = ReadField(r.fields[i]);
     if (!parts) return false;
     // "I 4 3 D" is read as the group it can only mean, I -4 3 D.
-    if (r.laueClass == 14 && i == 0 && parts->digit == 4 && !parts->bar &&
-        r.fields[2] == "D") {
+    if (r.laueClass == 14 && i == 0 && parts->digit == 4 && !parts->bar && r.fields[2] == "D") {
       parts->bar = true;
     }
     const Direction& dir = *FieldDirection(r, i);
@@ -302,8 +301,8 @@ bool AddFieldElements(SymbolRecipe& r) {
       field.plane = Seitz{Negated(dir.twoFold), *glide};
       r.elements.push_back({field.plane, true, diagonal});
     }
-    r.quarterSteps = r.quarterSteps || parts->letter == 'D' ||
-                     (parts->digit == 4 && parts->screw % 2 == 1);
+    r.quarterSteps =
+        r.quarterSteps || parts->letter == 'D' || (parts->digit == 4 && parts->screw % 2 == 1);
     r.fieldElements.push_back(field);
   }
   return true;

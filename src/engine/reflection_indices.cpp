@@ -36,11 +36,20 @@ int FloorDiv(int a, int b) { return a >= 0 ? a / b : -((-a + b - 1) / b); }
 
 int KStart(int cls, int h, int kmax) {
   switch (cls) {
-    case 2: case 3: case 9: case 11:
+    case 2:
+    case 3:
+    case 9:
+    case 11:
       return 0;
     case 4:
       return std::min(h, 1);
-    case 5: case 10: case 12: case 13: case 14: case 15: case 16:
+    case 5:
+    case 10:
+    case 12:
+    case 13:
+    case 14:
+    case 15:
+    case 16:
       return h;
     case 6:
       return -2 * h;
@@ -55,9 +64,16 @@ int KStart(int cls, int h, int kmax) {
 
 int LStart(int cls, int h, int k, int lmax, int lStep) {
   switch (cls) {
-    case 3: case 4: case 5: case 8: case 9: case 11: case 12:
+    case 3:
+    case 4:
+    case 5:
+    case 8:
+    case 9:
+    case 11:
+    case 12:
       return 0;
-    case 6: case 7:
+    case 6:
+    case 7:
       return -(h + k);
     case 13:
       return std::min(k, lStep + h);

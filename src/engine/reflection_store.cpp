@@ -25,8 +25,8 @@ std::int32_t ReflectionStore::PackIndex(int phase, int wavelength, int h, int k,
   return ((((phase * 4 + wavelength) * 256 + h) * 256 + k) * 256 + l) + 0x808080;
 }
 
-void ReflectionStore::UnpackIndex(std::int32_t packed, int& phase, int& wavelength, int& h,
-                                  int& k, int& l) {
+void ReflectionStore::UnpackIndex(std::int32_t packed, int& phase, int& wavelength, int& h, int& k,
+                                  int& l) {
   l = packed % 256 - 128;
   k = (packed / 256) % 256 - 128;
   h = (packed / 65536) % 256 - 128;

@@ -30,8 +30,7 @@ class ReflectionStore {
   // ((((phase * 4 + wavelength) * 256 + h) * 256 + k) * 256 + l) + 0x808080: h, k, l from
   // -128 to 127 stored plus 128; wavelength 1 or 2.
   static std::int32_t PackIndex(int phase, int wavelength, int h, int k, int l);
-  static void UnpackIndex(std::int32_t packed, int& phase, int& wavelength, int& h, int& k,
-                          int& l);
+  static void UnpackIndex(std::int32_t packed, int& phase, int& wavelength, int& h, int& k, int& l);
 
   int Count() const { return count_; }
   // Appends a reflection; false when the store is full.

@@ -63,8 +63,7 @@ bool FileUnits::OpenStream(Unit& slot, const std::string& name, std::string_view
   if (status == "SCRATCH") {
     slot.name = ScratchName();
     slot.scratch = true;
-    slot.stream.open(slot.name, std::ios::in | std::ios::out | std::ios::trunc |
-                                    std::ios::binary);
+    slot.stream.open(slot.name, std::ios::in | std::ios::out | std::ios::trunc | std::ios::binary);
     return slot.stream.is_open();
   }
   const bool exists = fs::is_regular_file(name, ignored);

@@ -40,8 +40,7 @@ class FileUnits {
     bool scratch = false;
   };
 
-  bool OpenStream(Unit& slot, const std::string& name, std::string_view status,
-                  FileAccess access);
+  bool OpenStream(Unit& slot, const std::string& name, std::string_view status, FileAccess access);
   void CloseFileIfOpen(const std::string& name);
 
   Reporter& reporter_;

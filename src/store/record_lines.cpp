@@ -21,8 +21,8 @@ ReadStatus ReadCellLine(std::string_view data, CellParameters& cell, float& wave
 
 AtomLine ReadAtomLine(std::string_view data, Reporter& reporter) {
   AtomLine atom;
-  if (Read(data, "(a4,6x,i3,5f9.5)", atom.label, atom.type, atom.x, atom.y, atom.z,
-           atom.occupancy, atom.b) == ReadStatus::kOk &&
+  if (Read(data, "(a4,6x,i3,5f9.5)", atom.label, atom.type, atom.x, atom.y, atom.z, atom.occupancy,
+           atom.b) == ReadStatus::kOk &&
       atom.type > 0) {
     return atom;
   }

@@ -17,9 +17,9 @@ namespace {
 constexpr std::string_view kConsumed = "XXXX";
 
 // Keys whose data begin with a label field of ten columns (an atom name or a sub-key).
-constexpr std::array<std::string_view, 15> kLabelledKeys = {
-    "XYZ ", "BETA", "BISO", "XSCA", "ANOM", "SDXY", "AXTD", "BXTB",
-    "CXTB", "FXYZ", "SDBE", "SDBI", "PXYZ", "QPLO", "CRES"};
+constexpr std::array<std::string_view, 15> kLabelledKeys = {"XYZ ", "BETA", "BISO", "XSCA", "ANOM",
+                                                            "SDXY", "AXTD", "BXTB", "CXTB", "FXYZ",
+                                                            "SDBE", "SDBI", "PXYZ", "QPLO", "CRES"};
 
 bool IsControl(char c) { return static_cast<unsigned char>(c) < 32; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <map>
 #include <set>
-#include <fstream>
 #include <sstream>
 
 #include "crystal/symbol_tables.h"
@@ -158,7 +158,8 @@ TEST(SpaceGroup, SymbolsAsUsersTypeThem) {
   const SpaceGroupInfo rhombohedral = Expanded("R -3 R");
   EXPECT_EQ(rhombohedral.laueClass, 6);
   EXPECT_EQ(std::count(rhombohedral.generatorWords.begin(), rhombohedral.generatorWords.end(),
-                       kRhombohedralCentringWord), 0);
+                       kRhombohedralCentringWord),
+            0);
   for (const char* hexagonal : {"R -3", "R -3 H"}) {
     const SpaceGroupInfo info = Expanded(hexagonal);
     EXPECT_EQ(info.laueClass, 8) << hexagonal;
@@ -172,9 +173,8 @@ TEST(SpaceGroup, SymbolsThatFail) {
   EXPECT_EQ(ParseSpaceGroupSymbol("P 21/C.", info), SymbolStatus::kSyntax);
   EXPECT_EQ(ParseSpaceGroupSymbol("P 21/C*", info), SymbolStatus::kBadCharacter);
   EXPECT_EQ(ParseSpaceGroupSymbol("P 21/É", info), SymbolStatus::kBadCharacter);
-  for (const char* symbol : {"M 21/C", "N M A", "D 3", "P", "", "P 5", "P 4 3 D",
-                             "P 21/Q", "P 1 1 1", "P 3 2 2", "P -2", "P 43/B",
-                             "A 3    31"}) {
+  for (const char* symbol : {"M 21/C", "N M A", "D 3", "P", "", "P 5", "P 4 3 D", "P 21/Q",
+                             "P 1 1 1", "P 3 2 2", "P -2", "P 43/B", "A 3    31"}) {
     EXPECT_NE(ParseSpaceGroupSymbol(symbol, info), SymbolStatus::kOk) << symbol;
   }
 }
@@ -210,10 +210,11 @@ TEST(SpaceGroup, EngineEntryWritesToTheListFile) {
 
   list.clear();
   EXPECT_EQ(ReadPhaseSpaceGroup("M 21/C", info, list), 1);
-  EXPECT_EQ(list, (std::vector<std::string>{" THE SPACE GROUP IS M 21/C              ",
-                                            " ***** DID YOU TYPE THIS RECORD CORRECTLY?",
-                                            "       ERRORS OF SOME SORT WERE DETECTED.",
-                                            "       THE RECORD WAS READ AS: M 21/C              "}));
+  EXPECT_EQ(list,
+            (std::vector<std::string>{" THE SPACE GROUP IS M 21/C              ",
+                                      " ***** DID YOU TYPE THIS RECORD CORRECTLY?",
+                                      "       ERRORS OF SOME SORT WERE DETECTED.",
+                                      "       THE RECORD WAS READ AS: M 21/C              "}));
   EXPECT_EQ(info.uniqueAxis, 4);
 }
 
@@ -266,10 +267,10 @@ TEST(SpaceGroup, SiteOfAnAtomPosition) {
 
   // Just off the six-bar axis of P 63/m m c: moved onto it, then site -6m2 of order 12.
   std::array<float, 3> beside = {0.33348f, 0.66667f, 0.25f};
-  EXPECT_EQ(SitePosition(Expanded("P 63/M M C"), beside, site, list),
-            ExpandStatus::kPositionMoved);
-  EXPECT_EQ(list, std::vector<std::string>{
-                      " THE ATOM AT   0.33348  0.66667  0.25000 WAS PUT AT  0.33333  0.66667  0.25000"});
+  EXPECT_EQ(SitePosition(Expanded("P 63/M M C"), beside, site, list), ExpandStatus::kPositionMoved);
+  EXPECT_EQ(list,
+            std::vector<std::string>{
+                " THE ATOM AT   0.33348  0.66667  0.25000 WAS PUT AT  0.33333  0.66667  0.25000"});
   EXPECT_NEAR(beside[0], 1.0f / 3.0f, 1e-6f);
   EXPECT_NEAR(beside[1], 2.0f / 3.0f, 1e-6f);
   EXPECT_FLOAT_EQ(site.multiplicityFactor, 1.0f / 12.0f);

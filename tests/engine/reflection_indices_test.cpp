@@ -73,7 +73,11 @@ std::array<double, 6> CellFor(int laueClass, int uniqueAxis) {
     case 1:
       return {7, 8, 9, 80, 95, 100};
     case 2:
-      return {7, 8, 9, uniqueAxis == 1 ? 100.0 : 90, uniqueAxis == 2 ? 100.0 : 90,
+      return {7,
+              8,
+              9,
+              uniqueAxis == 1 ? 100.0 : 90,
+              uniqueAxis == 2 ? 100.0 : 90,
               uniqueAxis == 3 ? 100.0 : 90};
     case 3:
       return {7, 8, 9, 90, 90, 90};

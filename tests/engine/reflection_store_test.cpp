@@ -9,8 +9,8 @@ TEST(ReflectionStore, PackedIndicesRoundTrip) {
   for (const std::array<int, 5>& c : std::vector<std::array<int, 5>>{
            {1, 1, 0, 0, 1}, {10, 2, -128, 127, -1}, {3, 1, 12, -7, 0}}) {
     int phase, wavelength, h, k, l;
-    ReflectionStore::UnpackIndex(ReflectionStore::PackIndex(c[0], c[1], c[2], c[3], c[4]),
-                                 phase, wavelength, h, k, l);
+    ReflectionStore::UnpackIndex(ReflectionStore::PackIndex(c[0], c[1], c[2], c[3], c[4]), phase,
+                                 wavelength, h, k, l);
     EXPECT_EQ((std::array<int, 5>{phase, wavelength, h, k, l}), c);
   }
   EXPECT_EQ(ReflectionStore::PackIndex(0, 0, 0, 0, 0), 0x808080);
@@ -42,7 +42,7 @@ TEST(ReflectionStore, FullStoreRefusesMore) {
   EXPECT_EQ(store.Count(), kMaxReflections);
 }
 
-// Reflections of halfwidth 0.1 at the given positions on a grid 10.0, 10.1, ... 
+// Reflections of halfwidth 0.1 at the given positions on a grid 10.0, 10.1, ...
 ReflectionStore Peaks(const std::vector<float>& positions) {
   ReflectionStore store;
   for (float p : positions) {
@@ -58,10 +58,10 @@ TEST(PointSpans, SpansExclusionsAndFailures) {
   std::vector<int> spans;
   std::vector<std::string> list;
   ASSERT_EQ(AssignPointSpans(Peaks({12.0f, 12.1f, 18.5f}), in, spans, list), SpanStatus::kOk);
-  EXPECT_EQ(spans[1], 0);                              // 10.0: nothing reaches it
-  EXPECT_EQ(spans[20], 2 * kMaxReflections + 1);       // 11.9: both peaks
-  EXPECT_EQ(spans[23], 2 * kMaxReflections + 1);       // 12.2
-  EXPECT_EQ(spans[86], 1 * kMaxReflections + 0);       // 18.5, excluded
+  EXPECT_EQ(spans[1], 0);                         // 10.0: nothing reaches it
+  EXPECT_EQ(spans[20], 2 * kMaxReflections + 1);  // 11.9: both peaks
+  EXPECT_EQ(spans[23], 2 * kMaxReflections + 1);  // 12.2
+  EXPECT_EQ(spans[86], 1 * kMaxReflections + 0);  // 18.5, excluded
   EXPECT_TRUE(list.empty());
 
   EXPECT_EQ(AssignPointSpans(Peaks({}), in, spans, list), SpanStatus::kFailed);

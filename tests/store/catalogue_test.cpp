@@ -20,8 +20,8 @@ TEST(Codeword, DecodesFixedOwnAndGroups) {
     float value;
     int group;
     float multiplier;
-  } cases[] = {{11, 1, 1}, {21.5f, 2, 1.5f}, {-11, 1, -1}, {10.5f, 1, 0.5f},
-               {-32, 3, -2}, {4001, 400, 1}, {0.5f, 0, 0.5f}};
+  } cases[] = {{11, 1, 1},   {21.5f, 2, 1.5f}, {-11, 1, -1},   {10.5f, 1, 0.5f},
+               {-32, 3, -2}, {4001, 400, 1},   {0.5f, 0, 0.5f}};
   for (const Case& c : cases) {
     const Codeword code(c.value);
     EXPECT_TRUE(code.IsGroup()) << c.value;
@@ -61,9 +61,9 @@ class JobRecordsTest : public ::testing::Test {
 
 TEST_F(JobRecordsTest, JobControlsKeptInBounds) {
   JobControls job;
-  ASSERT_EQ(ReadJobControls(Load("JOBT          1    5   12   -1   -2    3    2    0\n"), job,
-                            list),
-            RecordRead::kOk);
+  ASSERT_EQ(
+      ReadJobControls(Load("JOBT          1    5   12   -1   -2    3    2    0\n"), job, list),
+      RecordRead::kOk);
   EXPECT_EQ(job.jobType, 1);
   EXPECT_FALSE(job.IsXray());
   EXPECT_EQ(job.phases, 10);
@@ -85,8 +85,8 @@ TEST_F(JobRecordsTest, JobControlsFailures) {
   job.profile = 7;
   EXPECT_EQ(ReadJobControls(Load("TITL      x\n"), job, list), RecordRead::kMissing);
   EXPECT_EQ(ReadJobControls(Load("JOBT      2 4 one\n"), job, list), RecordRead::kBadNumbers);
-  EXPECT_EQ(list, (std::vector<std::string>{" JOBT record missing",
-                                            " Error reading JOBT      2 4 one"}));
+  EXPECT_EQ(list,
+            (std::vector<std::string>{" JOBT record missing", " Error reading JOBT      2 4 one"}));
   EXPECT_EQ(job.profile, 7);
 }
 
@@ -110,8 +110,9 @@ TEST_F(JobRecordsTest, WrittenRecordsReadBackThroughTheStore) {
 }
 
 TEST_F(JobRecordsTest, TitleFormatAndFileNames) {
-  Load("TITL      Quartz  at 300 K\nFRMT          5\nPWDT      data/q.xy\nPWUT\n"
-       "PWFO      out.fou\n");
+  Load(
+      "TITL      Quartz  at 300 K\nFRMT          5\nPWDT      data/q.xy\nPWUT\n"
+      "PWFO      out.fou\n");
   EXPECT_EQ(ReadTitle(store), "Quartz  at 300 K");
   int format = 0;
   EXPECT_EQ(ReadDataFormat(store, format, list), RecordRead::kOk);

@@ -64,17 +64,19 @@ TEST_F(RecordStoreTest, FindsAreDestructiveAndInFileOrder) {
 }
 
 TEST_F(RecordStoreTest, DelimitersInTheKeyColumns) {
-  Load("CELL,5.43,5.43,5.43\nCELL      5.43 5.43 5.43\nCELL\t 5.43\t5.43   5.43\n"
-       "CELL  ,   5.43, 5.43 ,5.43\n");
+  Load(
+      "CELL,5.43,5.43,5.43\nCELL      5.43 5.43 5.43\nCELL\t 5.43\t5.43   5.43\n"
+      "CELL  ,   5.43, 5.43 ,5.43\n");
   for (int i = 0; i < 4; ++i) EXPECT_EQ(Find("CELL"), "5.43,5.43,5.43") << "line " << i + 1;
 }
 
 TEST_F(RecordStoreTest, AtomLabelsAreReadAlikeInAllForms) {
-  Load("XYZ,Fe1 1 .25 .25 .25 1 1\n"
-       "XYZ       Fe1 1 .25 .25 .25 1 1\n"
-       "XYZ       Fe1   1  0.25000  0.25000  0.25000  1.00000  1.00000\n"
-       "XYZ       Fe1,1,.25,.25,.25,1,1\n"
-       "XYZ   ,Fe1\t1 .25 .25 .25 1 1\n");
+  Load(
+      "XYZ,Fe1 1 .25 .25 .25 1 1\n"
+      "XYZ       Fe1 1 .25 .25 .25 1 1\n"
+      "XYZ       Fe1   1  0.25000  0.25000  0.25000  1.00000  1.00000\n"
+      "XYZ       Fe1,1,.25,.25,.25,1,1\n"
+      "XYZ   ,Fe1\t1 .25 .25 .25 1 1\n");
   std::string first;
   ASSERT_EQ(store.jFindRec("XYZ ", first), 1);
   EXPECT_EQ(first.substr(0, 10), "Fe1       ");

@@ -18,11 +18,12 @@ TEST(NormaliseNumericField, BlanksBecomeCommas) {
   EXPECT_EQ(Normalised("CELL        1.5   2.5", 1), "CELL      1.5,2.5");
   EXPECT_EQ(Normalised("CELL      1 , 2", 1), "CELL      1,2");
   EXPECT_EQ(Normalised("CELL      1,,2", 1), "CELL      1,,2");
-  EXPECT_EQ(Normalised("CELL      ,1 2", 1), "CELL      1,2");     // leading comma dropped
+  EXPECT_EQ(Normalised("CELL      ,1 2", 1), "CELL      1,2");  // leading comma dropped
   EXPECT_EQ(Normalised("CELL      1.2E-3 -4e+2", 1), "CELL      1.2E-3,-4e+2");
   EXPECT_EQ(Normalised("CELL      1\t2", 1), "CELL      1,2");
   // Fixed fields lose their blank ones: 0 is needed to keep a place.
-  EXPECT_EQ(Normalised("RLIM         10.00000               0.00000", 1), "RLIM      10.00000,0.00000");
+  EXPECT_EQ(Normalised("RLIM         10.00000               0.00000", 1),
+            "RLIM      10.00000,0.00000");
 }
 
 TEST(NormaliseNumericField, LeavesTextAndKeptFieldsAlone) {
