@@ -9,13 +9,8 @@ namespace kaldena {
 namespace {
 
 // Integer rotation and translation (twelfths) of an operator of the table.
-struct IndexOperator {
-  std::array<int, 9> r;
-  std::array<int, 3> t;
-};
-
-IndexOperator ToIndexOperator(const SymmetryOperator& op) {
-  IndexOperator o;
+IndexSymmetry::Operator ToIndexOperator(const SymmetryOperator& op) {
+  IndexSymmetry::Operator o;
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) o.r[3 * i + j] = static_cast<int>(std::lround(op[4 * i + j]));
     o.t[i] = static_cast<int>(std::lround(op[4 * i + 3] * 12.0f));
@@ -147,16 +142,26 @@ void ForEachLoopIndex(const SpaceGroupInfo& info, const Hkl& limits,
   }
 }
 
-EquivalentFilter::EquivalentFilter(const SpaceGroupInfo& info) {
+IndexSymmetry::IndexSymmetry(const SpaceGroupInfo& info) {
   for (const SymmetryOperator& op : info.operators) {
-    const std::array<int, 9> r = ToIndexOperator(op).r;
-    if (std::find(rotations_.begin(), rotations_.end(), r) == rotations_.end()) {
-      rotations_.push_back(r);
+    const Operator o = ToIndexOperator(op);
+    operators_.push_back(o);
+    if (std::find(rotations_.begin(), rotations_.end(), o.r) == rotations_.end()) {
+      rotations_.push_back(o.r);
     }
   }
 }
 
-std::vector<Hkl> EquivalentFilter::Equivalents(const Hkl& hkl) const {
+bool IndexSymmetry::IsAbsent(const Hkl& hkl) const {
+  for (const Operator& o : operators_) {
+    if (Transformed(hkl, o.r) != hkl) continue;
+    const int phase = hkl[0] * o.t[0] + hkl[1] * o.t[1] + hkl[2] * o.t[2];
+    if (((phase % 12) + 12) % 12 != 0) return true;
+  }
+  return false;
+}
+
+std::vector<Hkl> IndexSymmetry::Equivalents(const Hkl& hkl) const {
   std::vector<Hkl> orbit;
   for (const std::array<int, 9>& r : rotations_) {
     const Hkl image = Transformed(hkl, r);
@@ -167,23 +172,18 @@ std::vector<Hkl> EquivalentFilter::Equivalents(const Hkl& hkl) const {
   return orbit;
 }
 
-bool EquivalentFilter::IsNew(const Hkl& hkl) {
-  const std::vector<Hkl> orbit = Equivalents(hkl);
-  return seen_.insert(*std::min_element(orbit.begin(), orbit.end())).second;
+int EquivalentFilter::Add(const Hkl& hkl) {
+  const std::vector<Hkl> orbit = symmetry_.Equivalents(hkl);
+  if (!seen_.insert(*std::min_element(orbit.begin(), orbit.end())).second) return 0;
+  return static_cast<int>(orbit.size());
 }
 
 bool IsSystematicallyAbsent(const SpaceGroupInfo& info, const Hkl& hkl) {
-  for (const SymmetryOperator& op : info.operators) {
-    const IndexOperator o = ToIndexOperator(op);
-    if (Transformed(hkl, o.r) != hkl) continue;
-    const int phase = hkl[0] * o.t[0] + hkl[1] * o.t[1] + hkl[2] * o.t[2];
-    if (((phase % 12) + 12) % 12 != 0) return true;
-  }
-  return false;
+  return IndexSymmetry(info).IsAbsent(hkl);
 }
 
 float ReflectionMultiplicity(const SpaceGroupInfo& info, const Hkl& hkl) {
-  return static_cast<float>(EquivalentFilter(info).Equivalents(hkl).size());
+  return static_cast<float>(IndexSymmetry(info).Equivalents(hkl).size());
 }
 
 Hkl NormaliseIndices(const Hkl& hkl, int loopClass, int uniqueAxis) {

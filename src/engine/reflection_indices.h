@@ -30,22 +30,39 @@ int LoopClass(const SpaceGroupInfo& info);
 void ForEachLoopIndex(const SpaceGroupInfo& info, const Hkl& limits,
                       const std::function<void(const Hkl&)>& visit);
 
-// The loops of the monoclinic and trigonal classes meet some reflections twice, as two members
-// of one set of equivalents. This filter passes the first of each set and no other.
-class EquivalentFilter {
+// The group's operators in index space: absences and sets of equivalent reflections.
+class IndexSymmetry {
  public:
-  explicit EquivalentFilter(const SpaceGroupInfo& info);
-  bool IsNew(const Hkl& hkl);
+  struct Operator {
+    std::array<int, 9> r;
+    std::array<int, 3> t;  // twelfths
+  };
+
+  explicit IndexSymmetry(const SpaceGroupInfo& info);
+  // An operator maps (h, k, l) onto itself with a translation whose phase h.t is not whole.
+  bool IsAbsent(const Hkl& hkl) const;
   // All equivalents of a reflection under the rotations, Friedel pairs included.
   std::vector<Hkl> Equivalents(const Hkl& hkl) const;
 
  private:
+  std::vector<Operator> operators_;
   std::vector<std::array<int, 9>> rotations_;
+};
+
+// The loops of the monoclinic and trigonal classes meet some reflections twice, as two members
+// of one set of equivalents. This filter passes the first of each set and no other.
+class EquivalentFilter {
+ public:
+  explicit EquivalentFilter(const IndexSymmetry& symmetry) : symmetry_(symmetry) {}
+  // The multiplicity of a reflection met for the first time (its equivalents, Friedel pairs
+  // merged), or 0 when a member of its set was met before.
+  int Add(const Hkl& hkl);
+
+ private:
+  const IndexSymmetry& symmetry_;
   std::set<Hkl> seen_;
 };
 
-// True when the operators of the group extinguish the reflection: an operator that maps
-// (h, k, l) onto itself with a translation whose phase h.t is not whole.
 bool IsSystematicallyAbsent(const SpaceGroupInfo& info, const Hkl& hkl);
 
 // Multiplicity of a reflection: the number of its equivalents under the group's rotations,

@@ -163,10 +163,11 @@ TEST(ReflectionIndices, LoopsCoverEachIndependentReflectionOnce) {
 
     std::map<Hkl, int> hits;  // representative of the orbit -> times generated
     std::string problem;
-    EquivalentFilter filter(info);
+    const IndexSymmetry symmetry(info);
+    EquivalentFilter filter(symmetry);
     ForEachLoopIndex(info, limits, [&](const Hkl& h) {
       if (h == Hkl{0, 0, 0} || metric.Q(h) > kLimit || IsSystematicallyAbsent(info, h)) return;
-      if (!filter.IsNew(h)) return;
+      if (filter.Add(h) == 0) return;
       if (ReferenceAbsent(s, h) && problem.empty()) problem = "absent reflection generated";
       const std::set<Hkl> orbit = ReferenceOrbit(s, h);
       if (ReflectionMultiplicity(info, h) != orbit.size() && problem.empty()) {
