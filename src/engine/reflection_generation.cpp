@@ -66,6 +66,19 @@ int LineCount(const std::array<float, 2>& w) {
   return (w[1] == 0.0f || w[1] == w[0]) ? 1 : 2;
 }
 
+// The full width that decides how far the peaks of the phase reach at two-theta p.
+float ReachWidth(const ReflectionSetup& s, float p, bool& small) {
+  const float tanTheta = std::tan(p / 2.0f / kDegree);
+  const std::array<float, 3>& u = s.halfwidth;
+  small = u[0] * tanTheta * tanTheta + u[1] * tanTheta + u[2] < 1e-7f;
+  float width = CagliotiWidth(u, tanTheta);
+  if (s.profile == 6) width = (width + CagliotiWidth(s.rightHalfwidth, tanTheta)) / 2.0f;
+  if (s.profile == 3 || s.profile == 5) {
+    width = VoigtFullWidth(width, s.shape[0] / std::cos(p / 2.0f / kDegree));
+  }
+  return width;
+}
+
 // Fills the reals of the reflection just added for the line at two-theta p.
 void SetReflectionValues(const ReflectionSetup& s, ReflectionStore& store, float p, float theta,
                          float lp) {
@@ -94,6 +107,26 @@ float CagliotiWidth(const std::array<float, 3>& uvw, float tanTheta) {
   if (squared < 1e-7f) squared = 0.0001f;
   const float width = std::sqrt(squared);
   return width > 0.0f ? width : 0.01f;
+}
+
+void ExtendUpperRange(const ReflectionSetup& setup, bool firstPhase, UpperRange& range,
+                      float& stop, std::vector<std::string>& listLines) {
+  const float userStop = firstPhase ? stop : range.excludedRegions.back()[0] - range.step;
+  bool small = false;
+  const float width = ReachWidth(setup, userStop, small);
+  if (small && !range.smallWidthReported) {
+    listLines.push_back(" Halfwidth squared below 1.0E-07 at the end of the range: 0.0001 used");
+    range.smallWidthReported = true;
+  }
+  const float lastPoint = setup.start + range.step * static_cast<float>(kMaxPoints - 10);
+  const float top = std::min(userStop + 0.5f * range.base * width, lastPoint);
+  if (firstPhase) {
+    range.excludedRegions.push_back({userStop + range.step, top});
+    stop = top;
+  } else if (top > stop) {
+    stop = top;
+    range.excludedRegions.back()[1] = top;
+  }
 }
 
 GenerationStatus GenerateReflections(const SpaceGroupInfo& group, const ReflectionSetup& s,

@@ -49,6 +49,20 @@ GenerationStatus GenerateReflections(const SpaceGroupInfo& group, const Reflecti
                                      ReflectionStore& store, AbsorptionRange& absorption,
                                      std::vector<std::string>& listLines);
 
+// The engine's own excluded region above the stop value, so that the tails of reflections
+// beyond the range reach the last points without those points being fitted. The first phase
+// appends it (lower end stop + step) and raises the stop value by half the peak range; later
+// phases widen it when their peaks are wider. The range never passes point 19990.
+struct UpperRange {
+  float step = 0;
+  float base = 0;  // the peak range in halfwidths
+  std::vector<std::array<float, 2>> excludedRegions;
+  bool smallWidthReported = false;
+};
+
+void ExtendUpperRange(const ReflectionSetup& setup, bool firstPhase, UpperRange& range,
+                      float& stop, std::vector<std::string>& listLines);
+
 // FWHM from U, V, W at tan(theta), as the reflections and the upper range use it: H^2 below
 // 1e-7 counts as 0.0001, and a width of 0 or below as 0.01.
 float CagliotiWidth(const std::array<float, 3>& uvw, float tanTheta);

@@ -121,6 +121,40 @@ TEST(ReflectionGeneration, LorentzPolarisationAndWidths) {
   EXPECT_FLOAT_EQ(CagliotiWidth({0, 0, 0}, 0.5f), 0.01f);
 }
 
+TEST(ReflectionGeneration, UpperRangeReachesBeyondTheStop) {
+  ReflectionSetup narrow = CubicSetup(4.0f, {1.5406f, 0.0f});
+  narrow.stop = 120.0f;
+  narrow.halfwidth = {0.0f, 0.0f, 0.04f};  // FWHM 0.2
+  UpperRange range;
+  range.step = 0.02f;
+  range.base = 10.0f;
+  std::vector<std::string> list;
+  float stop = narrow.stop;
+  ExtendUpperRange(narrow, true, range, stop, list);
+  ASSERT_EQ(range.excludedRegions.size(), 1u);
+  EXPECT_FLOAT_EQ(range.excludedRegions[0][0], 120.02f);
+  EXPECT_FLOAT_EQ(stop, 121.0f);  // half of 10 halfwidths of 0.2
+  EXPECT_FLOAT_EQ(range.excludedRegions[0][1], 121.0f);
+
+  ReflectionSetup wide = narrow;
+  wide.halfwidth = {0.0f, 0.0f, 0.16f};  // FWHM 0.4: the region grows
+  ExtendUpperRange(wide, false, range, stop, list);
+  EXPECT_FLOAT_EQ(stop, 122.0f);
+  EXPECT_FLOAT_EQ(range.excludedRegions[0][1], 122.0f);
+  ExtendUpperRange(narrow, false, range, stop, list);  // a narrower phase changes nothing
+  EXPECT_FLOAT_EQ(stop, 122.0f);
+  EXPECT_TRUE(list.empty());
+
+  ReflectionSetup zero = narrow;
+  zero.halfwidth = {0.0f, 0.0f, 0.0f};
+  UpperRange other{0.02f, 10.0f, {}, false};
+  float stop2 = 120.0f;
+  ExtendUpperRange(zero, true, other, stop2, list);
+  ExtendUpperRange(zero, false, other, stop2, list);
+  EXPECT_EQ(list.size(), 1u);  // reported once
+  EXPECT_FLOAT_EQ(stop2, 120.05f);
+}
+
 TEST(ReflectionGeneration, FailuresAreReported) {
   SpaceGroupInfo failed = Group("P M -3 M");
   failed.uniqueAxis = 4;
