@@ -33,7 +33,8 @@ FlatPlate FlatPlateNormalisation(const ReflectionSetup& s) {
 float AbsorptionFactor(const ReflectionSetup& s, const FlatPlate& plate, float theta) {
   if (!s.cylinderAbsorption.empty()) {
     const int i = static_cast<int>(std::lround(theta * 10.0f));
-    return s.cylinderAbsorption[std::clamp(i, 0, static_cast<int>(s.cylinderAbsorption.size()) - 1)];
+    return s
+        .cylinderAbsorption[std::clamp(i, 0, static_cast<int>(s.cylinderAbsorption.size()) - 1)];
   }
   if (!plate.active) return 1.0f;
   const float s2 = std::cos((2.0f * theta - s.guinierAngle) / kDegree);
@@ -62,9 +63,7 @@ float VoigtFullWidth(float gaussian, float lorentzian) {
 
 float Polynomial(const std::array<float, 3>& c, float p) { return c[0] + c[1] * p + c[2] * p * p; }
 
-int LineCount(const std::array<float, 2>& w) {
-  return (w[1] == 0.0f || w[1] == w[0]) ? 1 : 2;
-}
+int LineCount(const std::array<float, 2>& w) { return (w[1] == 0.0f || w[1] == w[0]) ? 1 : 2; }
 
 // The full width that decides how far the peaks of the phase reach at two-theta p.
 float ReachWidth(const ReflectionSetup& s, float p, bool& small) {
@@ -109,8 +108,8 @@ float CagliotiWidth(const std::array<float, 3>& uvw, float tanTheta) {
   return width > 0.0f ? width : 0.01f;
 }
 
-void ExtendUpperRange(const ReflectionSetup& setup, bool firstPhase, UpperRange& range,
-                      float& stop, std::vector<std::string>& listLines) {
+void ExtendUpperRange(const ReflectionSetup& setup, bool firstPhase, UpperRange& range, float& stop,
+                      std::vector<std::string>& listLines) {
   const float userStop = firstPhase ? stop : range.excludedRegions.back()[0] - range.step;
   bool small = false;
   const float width = ReachWidth(setup, userStop, small);
@@ -141,7 +140,8 @@ GenerationStatus GenerateReflections(const SpaceGroupInfo& group, const Reflecti
                                  LaueClassLabel(group.laueClass)));
   const FlatPlate plate = FlatPlateNormalisation(s);
   const int lines = LineCount(s.wavelengths);
-  const float shortest = lines == 2 ? std::min(s.wavelengths[0], s.wavelengths[1]) : s.wavelengths[0];
+  const float shortest =
+      lines == 2 ? std::min(s.wavelengths[0], s.wavelengths[1]) : s.wavelengths[0];
   const float sinMax = std::sin(s.stop / 2.0f / kDegree);
   const float limit = sinMax * sinMax / (shortest * shortest);
   Hkl limits;

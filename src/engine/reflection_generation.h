@@ -13,9 +13,9 @@ namespace kaldena {
 
 // What the generation of one phase takes from the run.
 struct ReflectionSetup {
-  int phase = 1;     // from 1
-  int profile = 1;   // 1 to 9
-  bool xray = true;  // the monochromator polarisation applies to X-rays only
+  int phase = 1;                       // from 1
+  int profile = 1;                     // 1 to 9
+  bool xray = true;                    // the monochromator polarisation applies to X-rays only
   std::array<float, 2> wavelengths{};  // a second of 0, or equal to the first: one line
   std::array<float, 3> zeroShifts{};   // zero point, sample shift, transparency (degrees)
   // Reciprocal metric A to F: 4 sin^2(theta) / lambda^2 = A h^2 + B k^2 + C l^2 + D hk + E hl
@@ -60,8 +60,8 @@ struct UpperRange {
   bool smallWidthReported = false;
 };
 
-void ExtendUpperRange(const ReflectionSetup& setup, bool firstPhase, UpperRange& range,
-                      float& stop, std::vector<std::string>& listLines);
+void ExtendUpperRange(const ReflectionSetup& setup, bool firstPhase, UpperRange& range, float& stop,
+                      std::vector<std::string>& listLines);
 
 // FWHM from U, V, W at tan(theta), as the reflections and the upper range use it: H^2 below
 // 1e-7 counts as 0.0001, and a width of 0 or below as 0.01.

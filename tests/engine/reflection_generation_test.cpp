@@ -48,7 +48,7 @@ TEST(ReflectionGeneration, CubicPositionsMultiplicitiesAndOrder) {
   ASSERT_EQ(g.status, GenerationStatus::kOk);
   EXPECT_EQ(g.list.back(), " LAUE SYMMETRY M3M      WILL BE USED TO GENERATE INDICES");
   const std::map<std::array<int, 3>, int> expected = {
-      {{1, 0, 0}, 6}, {{1, 1, 0}, 12}, {{1, 1, 1}, 8}, {{2, 0, 0}, 6}, {{2, 1, 0}, 24},
+      {{1, 0, 0}, 6},  {{1, 1, 0}, 12}, {{1, 1, 1}, 8}, {{2, 0, 0}, 6}, {{2, 1, 0}, 24},
       {{2, 1, 1}, 24}, {{2, 2, 0}, 12}, {{3, 0, 0}, 6}, {{2, 2, 1}, 24}};
   float last = 0.0f;
   int found = 0;
@@ -111,8 +111,8 @@ TEST(ReflectionGeneration, LorentzPolarisationAndWidths) {
   const float p = g.store.Value(ReflectionStore::kPosition, 0);  // 100
   const double theta = p / 2.0 * M_PI / 180.0;
   const double s = std::sin(theta) * std::sin(theta);
-  const double lp = (1.0 + 0.9 * std::cos(2 * theta) * std::cos(2 * theta)) /
-                    (2.0 * s * std::cos(theta));
+  const double lp =
+      (1.0 + 0.9 * std::cos(2 * theta) * std::cos(2 * theta)) / (2.0 * s * std::cos(theta));
   EXPECT_NEAR(g.store.Value(ReflectionStore::kLorentzPolarisation, 0), 6 * lp, 6 * lp * 1e-4);
   const double t = std::tan(theta);
   EXPECT_NEAR(g.store.Value(ReflectionStore::kHalfwidth, 0),
