@@ -18,7 +18,7 @@ int ReadPeakFile(std::string_view peakFile, std::string_view projectFile, Report
   std::ofstream out;
   if (std::filesystem::is_regular_file(project))
     out.open(project, std::ios::app | std::ios::binary);
-  if (!out) {
+  if (!out.is_open()) {
     reporter.LogLine("Error opening " + project);
     return -1;
   }
