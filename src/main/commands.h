@@ -9,5 +9,6 @@ namespace kaldena {
 
 int ElementCommand(const std::vector<std::string>& args);
 int SpaceGroupCommand(const std::vector<std::string>& args);
+int RawDataCommand(const std::vector<std::string>& args);
 
 }  // namespace kaldena

@@ -44,6 +44,14 @@ constexpr Command kCommands[] = {
      "atomic number, mass and the eleven scattering values of an element at a wavelength "
      "(default 1.54052; 0 or below for neutrons)",
      kaldena::ElementCommand},
+    {"rawdata",
+     "kalden rawdata FILE --format N [--background F] [--weights F] [--autodivergence V] "
+     "[--points]",
+     "a pattern read as the engine reads it",
+     "read a raw data file (format 1 gdf, 2 txt, 3 udf, 4 xrdml, 5 xy, 6 dat, 7 uxd, 8 cif, "
+     "9 epf) as the engine would and print start, step, stop and the number of points; with "
+     "--points one line per point (two-theta, intensity, variance, background)",
+     kaldena::RawDataCommand},
 };
 
 const Command* FindCommand(std::string_view name) {

@@ -64,3 +64,11 @@ if(NOT out MATCHES "-3.739")
 endif()
 expect_run(1 element Xx)
 expect_run(1 element Fe --wavelength abc)
+
+# Raw data: a pattern as the engine reads it; a missing file is refused.
+expect_run(0 rawdata ${DATA}/main/three_points.xy --format 5 --points)
+if(NOT out MATCHES "points            3" OR NOT out MATCHES "10.02000          7.0000")
+  message(FATAL_ERROR "unexpected rawdata output:\n${out}")
+endif()
+expect_run(1 rawdata ${DATA}/main/absent.xy --format 5)
+expect_run(1 rawdata ${DATA}/main/three_points.xy)

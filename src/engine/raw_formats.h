@@ -1,0 +1,90 @@
+// Inside the raw data readers: what one file yields, the line source, the number helpers and
+// one reader per format family. Used by raw_data.cpp only.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/list_file.h"
+#include "util/report.h"
+
+namespace kaldena::raw {
+
+enum class FileRole { kData, kBackground, kWeights };
+
+// The values of one file on its own scan. Readers keep every value; the cut at kMaxPoints is
+// made once, when the pattern is built.
+struct Series {
+  float start = 0;
+  float step = 0;
+  std::vector<float> values;      // intensities, background or variances by the file's role
+  std::vector<float> deviations;  // standard deviations, for the files that give them
+  std::vector<float> angles;      // two-theta of each value, for the formats that list it
+  float automaticSlit = 0;        // the file's own automatic divergence value
+};
+
+// Where a reader is, and where it tells its failures.
+struct ReadContext {
+  FileRole role;
+  ListFile& list;
+  Reporter& reporter;
+
+  // A list-file line; false, so that a reader can return it.
+  bool Fail(std::string_view message) const;
+  // Failures of the formats that have no fixed message for them, naming the file and line:
+  // " Error reading xy/txt background file, line 12", " No data points in epf data file".
+  bool LineError(std::string_view family, int line) const;
+  bool NoPoints(std::string_view family) const;
+};
+
+// Lines of a text file without their ends ("\n", "\r\n" or a lone "\r"), of any length; a
+// byte-order mark in front of the first line is dropped.
+class LineReader {
+ public:
+  explicit LineReader(const std::filesystem::path& path);
+  bool IsOpen() const { return in_.is_open(); }
+  // False at the end of the file.
+  bool Next(std::string& line);
+  // Everything not yet read, as one text.
+  std::string Rest();
+  int LineNumber() const { return number_; }
+
+ private:
+  std::ifstream in_;
+  int number_ = 0;
+};
+
+// Blanks and tabs only.
+bool IsBlankLine(std::string_view line);
+
+// Free-form numbers: the line goes through NormaliseNumericLine and the items of the comma
+// list fill `values` in turn (an empty item is 0). Returns how many were filled, or -1 when
+// one of them is not a finite number. Items behind the last one wanted are not looked at.
+int ReadNumberList(std::string_view line, std::span<float> values);
+
+// One free-standing number, such as an xrdml count.
+bool ReadNumberToken(std::string_view token, float& value);
+
+// A body line of fixed fields, `fields` of `width` columns (10f8.0, 8f9.0): appends the
+// values of the fields that the line holds, up to its last non-blank one; false when one of
+// them is not a number.
+bool AppendFixedFields(std::string_view line, int fields, int width, std::vector<float>& values);
+
+// (last - first) / (count - 1), and 0 for fewer than two points.
+float StepBetween(float first, float last, std::size_t count);
+
+// One reader per family; each returns false after telling why, and true only with values.
+bool ReadGdf(LineReader& file, const ReadContext& context, Series& series);
+bool ReadXy(LineReader& file, const ReadContext& context, Series& series);
+bool ReadUdf(LineReader& file, const ReadContext& context, Series& series);
+bool ReadXrdml(LineReader& file, const ReadContext& context, Series& series);
+bool ReadDat(LineReader& file, const ReadContext& context, Series& series);
+bool ReadUxd(LineReader& file, const ReadContext& context, Series& series);
+bool ReadCif(LineReader& file, const ReadContext& context, Series& series);
+bool ReadEpf(LineReader& file, const ReadContext& context, Series& series);
+
+}  // namespace kaldena::raw
