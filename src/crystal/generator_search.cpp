@@ -12,17 +12,6 @@ namespace {
 using Matrix = std::array<int, 9>;
 using Vector = std::array<int, 3>;
 
-constexpr Matrix kInversion = {-1, 0, 0, 0, -1, 0, 0, 0, -1};
-constexpr Matrix kTwoX = {1, 0, 0, 0, -1, 0, 0, 0, -1};
-constexpr Matrix kTwoZ = {-1, 0, 0, 0, -1, 0, 0, 0, 1};
-constexpr Matrix kThreeZ = {0, -1, 0, 1, -1, 0, 0, 0, 1};
-constexpr Matrix kThree111 = {0, 0, 1, 1, 0, 0, 0, 1, 0};
-
-Matrix Negated(Matrix m) {
-  for (int& v : m) v = -v;
-  return m;
-}
-
 // A set of operations, kept modulo whole cells.
 class OperationSet {
  public:
@@ -55,7 +44,7 @@ std::vector<Matrix> RotationClosure(const std::vector<Matrix>& generators) {
 }
 
 bool HasInversion(const std::vector<Matrix>& group) {
-  return std::find(group.begin(), group.end(), kInversion) != group.end();
+  return std::find(group.begin(), group.end(), kInversionRotation) != group.end();
 }
 
 // The rotation a field contributes to the generators: its axis, or its plane alone.
@@ -86,27 +75,27 @@ std::vector<Matrix> SlotRotations(const SymbolRecipe& r) {
     case 3:
       return {FieldRotation(r, 0), FieldRotation(r, 1)};
     case 4:
-      return {kTwoZ, FieldRotation(r, 0)};
+      return {kTwoFoldZ, FieldRotation(r, 0)};
     case 5:
-      return {kTwoZ, FieldRotation(r, 0), FieldRotation(r, 1)};
+      return {kTwoFoldZ, FieldRotation(r, 0), FieldRotation(r, 1)};
     case 6:
     case 8:
-      return {r.laueClass == 6 ? kThree111 : kThreeZ};
+      return {r.laueClass == 6 ? kThreeFold111 : kThreeFoldZ};
     case 7:
     case 9:
-      return {r.laueClass == 7 ? kThree111 : kThreeZ, FieldRotation(r, 1)};
+      return {r.laueClass == 7 ? kThreeFold111 : kThreeFoldZ, FieldRotation(r, 1)};
     case 10:
-      return {kThreeZ, FieldRotation(r, 2)};
+      return {kThreeFoldZ, FieldRotation(r, 2)};
     case 11:
-      return {kThreeZ, Cube(FieldRotation(r, 0))};
+      return {kThreeFoldZ, Cube(FieldRotation(r, 0))};
     case 12:
-      return {kThreeZ, Cube(FieldRotation(r, 0)), FieldRotation(r, 1)};
+      return {kThreeFoldZ, Cube(FieldRotation(r, 0)), FieldRotation(r, 1)};
     case 13:
-      return {kTwoZ, kTwoX, kThree111};
+      return {kTwoFoldZ, kTwoFoldX, kThreeFold111};
     default: {
       const FieldElements& first = r.fieldElements[0];
       const bool fourFold = first.hasAxis && RotationOrder(first.axis.r) == 4;
-      return {kTwoZ, kTwoX, kThree111, fourFold ? first.axis.r : FieldRotation(r, 2)};
+      return {kTwoFoldZ, kTwoFoldX, kThreeFold111, fourFold ? first.axis.r : FieldRotation(r, 2)};
     }
   }
 }
@@ -118,11 +107,11 @@ struct Slot {
   Vector screw{0, 0, 0};
 };
 
-bool IsThreeFoldWord(const Matrix& m) { return m == kThreeZ || m == kThree111; }
+bool IsThreeFoldWord(const Matrix& m) { return m == kThreeFoldZ || m == kThreeFold111; }
 
 std::vector<Vector> Candidates(const SymbolRecipe& recipe, const Matrix& m) {
-  if (m == kInversion || m == kThree111) return {{0, 0, 0}};
-  if (m == kThreeZ) return {{0, 0, 0}, {0, 0, 4}, {0, 0, 8}};
+  if (m == kInversionRotation || m == kThreeFold111) return {{0, 0, 0}};
+  if (m == kThreeFoldZ) return {{0, 0, 0}, {0, 0, 4}, {0, 0, 8}};
   std::vector<Vector> list;
   if (recipe.laueClass >= 8 && recipe.laueClass <= 12) {
     for (int z : {0, 6, 4, 8, 2, 10}) list.push_back({0, 0, z});
@@ -154,7 +143,7 @@ std::vector<Slot> Slots(const SymbolRecipe& recipe, bool centric) {
     }
     slots.push_back(slot);
   }
-  if (centric) slots.push_back({kInversion, {{0, 0, 0}}});
+  if (centric) slots.push_back({kInversionRotation, {{0, 0, 0}}});
   return slots;
 }
 
@@ -363,7 +352,7 @@ bool ShiftOrigin(std::string_view symbol, const OperationSet& lattice,
       if (moved % 2 != 0) return false;
       g.t[i] = Wrap12(moved / 2);
     }
-    if (g.r != kInversion) continue;
+    if (g.r != kInversionRotation) continue;
     for (const Seitz& c : lattice.Ops()) {
       if (c.t == g.t) g.t = {0, 0, 0};
     }
@@ -372,8 +361,8 @@ bool ShiftOrigin(std::string_view symbol, const OperationSet& lattice,
 }
 
 GeneratorWord WordOf(const Seitz& g) {
-  if (g.r == kThree111) return kDiagonalThreeFoldWord;
-  if (g.r == kThreeZ) return kRhombohedralCentringWord + 4 * (1 + g.t[2] / 4);
+  if (g.r == kThreeFold111) return kDiagonalThreeFoldWord;
+  if (g.r == kThreeFoldZ) return kRhombohedralCentringWord + 4 * (1 + g.t[2] / 4);
   return PackWord(g);
 }
 

@@ -31,6 +31,11 @@ int SourceCode(const Row& row, const Row (&sources)[4]) {
 
 }  // namespace
 
+RotationMatrix Negated(RotationMatrix m) {
+  for (int& v : m) v = -v;
+  return m;
+}
+
 int Wrap12(int t) { return ((t % kTwelfths) + kTwelfths) % kTwelfths; }
 
 int Seitz::Key() const {

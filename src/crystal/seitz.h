@@ -19,6 +19,18 @@ struct Seitz {
 
 inline constexpr int kTwelfths = 12;
 
+// Rotation parts that the symbol reader and the translation search share, row major.
+using RotationMatrix = std::array<int, 9>;
+inline constexpr RotationMatrix kIdentityRotation = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+inline constexpr RotationMatrix kInversionRotation = {-1, 0, 0, 0, -1, 0, 0, 0, -1};
+inline constexpr RotationMatrix kTwoFoldX = {1, 0, 0, 0, -1, 0, 0, 0, -1};
+inline constexpr RotationMatrix kTwoFoldY = {-1, 0, 0, 0, 1, 0, 0, 0, -1};
+inline constexpr RotationMatrix kTwoFoldZ = {-1, 0, 0, 0, -1, 0, 0, 0, 1};
+inline constexpr RotationMatrix kThreeFoldZ = {0, -1, 0, 1, -1, 0, 0, 0, 1};  // -y, x-y, z
+inline constexpr RotationMatrix kThreeFold111 = {0, 0, 1, 1, 0, 0, 0, 1, 0};  // z, x, y
+
+RotationMatrix Negated(RotationMatrix m);
+
 int Wrap12(int t);
 Seitz Compose(const Seitz& a, const Seitz& b);  // a after b
 Seitz Inverse(const Seitz& a);

@@ -14,22 +14,10 @@ constexpr std::string_view kAlphabet = " CBAPFIRMND123456-/H.";
 
 using Matrix = std::array<int, 9>;
 
-constexpr Matrix kIdentity = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-constexpr Matrix kInversion = {-1, 0, 0, 0, -1, 0, 0, 0, -1};
-constexpr Matrix kTwoX = {1, 0, 0, 0, -1, 0, 0, 0, -1};
-constexpr Matrix kTwoY = {-1, 0, 0, 0, 1, 0, 0, 0, -1};
-constexpr Matrix kTwoZ = {-1, 0, 0, 0, -1, 0, 0, 0, 1};
 constexpr Matrix kTwo110 = {0, 1, 0, 1, 0, 0, 0, 0, -1};     // y, x, -z
 constexpr Matrix kTwo1m10 = {0, -1, 0, -1, 0, 0, 0, 0, -1};  // -y, -x, -z
 constexpr Matrix kFourZ = {0, -1, 0, 1, 0, 0, 0, 0, 1};      // -y, x, z
-constexpr Matrix kThreeZ = {0, -1, 0, 1, -1, 0, 0, 0, 1};    // -y, x-y, z
-constexpr Matrix kThree111 = {0, 0, 1, 1, 0, 0, 0, 1, 0};    // z, x, y
 constexpr Matrix kSixZ = {1, -1, 0, 1, 0, 0, 0, 0, 1};       // x-y, x, z
-
-Matrix Negated(Matrix m) {
-  for (int& v : m) v = -v;
-  return m;
-}
 
 // A direction a field refers to, with its two-fold axis and the glide vectors of the plane
 // normal to it (twelfths) by letter.
@@ -42,11 +30,11 @@ struct Direction {
 // Glide vectors: planes normal to x, y, z, the diagonal planes of tetragonal and cubic
 // groups, those of the hexagonal groups and the rhombohedral axes. A zero vector marks a
 // glide that does not lie in the plane.
-constexpr Direction kAlongX = {kTwoX,     {12, 0, 0}, {0, 0, 0}, {0, 6, 0},
+constexpr Direction kAlongX = {kTwoFoldX, {12, 0, 0}, {0, 0, 0}, {0, 6, 0},
                                {0, 0, 6}, {0, 6, 6},  {0, 3, 3}};
-constexpr Direction kAlongY = {kTwoY,     {0, 12, 0}, {6, 0, 0}, {0, 0, 0},
+constexpr Direction kAlongY = {kTwoFoldY, {0, 12, 0}, {6, 0, 0}, {0, 0, 0},
                                {0, 0, 6}, {6, 0, 6},  {3, 0, 3}};
-constexpr Direction kAlongZ = {kTwoZ,     {0, 0, 12}, {6, 0, 0}, {0, 6, 0},
+constexpr Direction kAlongZ = {kTwoFoldZ, {0, 0, 12}, {6, 0, 0}, {0, 6, 0},
                                {0, 0, 0}, {6, 6, 0},  {3, 3, 0}};
 // Plane normal to [1-10] (y, x, z) and the two-fold along [110].
 constexpr Direction kDiagonal = {kTwo110,   {0, 0, 0}, {0, 0, 0}, {0, 0, 0},
@@ -256,16 +244,16 @@ const Direction* FieldDirection(const SymbolRecipe& r, size_t field) {
 Seitz AxisElement(const FieldParts& p, const Direction& dir, bool cubicThreeFold) {
   Seitz op;
   if (p.digit == 1) {
-    op.r = p.bar ? kInversion : kIdentity;
+    op.r = p.bar ? kInversionRotation : kIdentityRotation;
     return op;
   }
-  Matrix rot = kIdentity;
+  Matrix rot = kIdentityRotation;
   if (cubicThreeFold) {
-    rot = kThree111;
+    rot = kThreeFold111;
   } else if (p.digit == 2) {
     rot = dir.twoFold;
   } else if (p.digit == 3) {
-    rot = kThreeZ;
+    rot = kThreeFoldZ;
   } else if (p.digit == 4) {
     rot = kFourZ;
   } else if (p.digit == 6) {

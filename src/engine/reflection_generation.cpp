@@ -65,36 +65,37 @@ float Polynomial(const std::array<float, 3>& c, float p) { return c[0] + c[1] * 
 
 int LineCount(const std::array<float, 2>& w) { return (w[1] == 0.0f || w[1] == w[0]) ? 1 : 2; }
 
+// FWHM of a reflection at Bragg angle theta (degrees): the Voigt profiles combine the
+// Gaussian width of U, V, W with their Lorentzian width.
+float PeakWidth(const ReflectionSetup& s, float theta) {
+  const float width = CagliotiWidth(s.halfwidth, std::tan(theta / kDegree));
+  if (s.profile != 3 && s.profile != 5) return width;
+  return VoigtFullWidth(width, s.shape[0] / std::cos(theta / kDegree));
+}
+
 // The full width that decides how far the peaks of the phase reach at two-theta p.
 float ReachWidth(const ReflectionSetup& s, float p, bool& small) {
   const float tanTheta = std::tan(p / 2.0f / kDegree);
   const std::array<float, 3>& u = s.halfwidth;
   small = u[0] * tanTheta * tanTheta + u[1] * tanTheta + u[2] < 1e-7f;
-  float width = CagliotiWidth(u, tanTheta);
-  if (s.profile == 6) width = (width + CagliotiWidth(s.rightHalfwidth, tanTheta)) / 2.0f;
-  if (s.profile == 3 || s.profile == 5) {
-    width = VoigtFullWidth(width, s.shape[0] / std::cos(p / 2.0f / kDegree));
-  }
-  return width;
+  const float width = PeakWidth(s, p / 2.0f);
+  if (s.profile != 6) return width;
+  return (width + CagliotiWidth(s.rightHalfwidth, tanTheta)) / 2.0f;
 }
 
 // Fills the reals of the reflection just added for the line at two-theta p.
 void SetReflectionValues(const ReflectionSetup& s, ReflectionStore& store, float p, float theta,
                          float lp) {
   const int i = store.Count() - 1;
-  const float tanTheta = std::tan(theta / kDegree);
-  float width = CagliotiWidth(s.halfwidth, tanTheta);
-  if (s.profile == 3 || s.profile == 5) {
-    width = VoigtFullWidth(width, s.shape[0] / std::cos(theta / kDegree));
-  }
-  store.Value(ReflectionStore::kHalfwidth, i) = width;
+  store.Value(ReflectionStore::kHalfwidth, i) = PeakWidth(s, theta);
   store.Value(ReflectionStore::kPosition, i) = p;
   store.Value(ReflectionStore::kLorentzPolarisation, i) = lp * store.Multiplicity(i);
   if (s.profile != 3 && s.profile != 5) {
     store.Value(ReflectionStore::kShapeParameter, i) = Polynomial(s.shape, p);
   }
   if (s.profile == 6) {
-    store.Value(ReflectionStore::kRightHalfwidth, i) = CagliotiWidth(s.rightHalfwidth, tanTheta);
+    store.Value(ReflectionStore::kRightHalfwidth, i) =
+        CagliotiWidth(s.rightHalfwidth, std::tan(theta / kDegree));
     store.Value(ReflectionStore::kRightShape, i) = Polynomial(s.rightShape, p);
   }
 }
