@@ -10,13 +10,13 @@
 
 namespace kaldena {
 
-namespace {
-
-std::string ErrorReading(std::string_view key, const std::string& data) {
+std::string ErrorReading(std::string_view key, std::string_view data) {
   std::string record(key);
   record.resize(10, ' ');
-  return " Error reading " + std::string(Trimmed(record + data));
+  return " Error reading " + std::string(Trimmed(record + std::string(data)));
 }
+
+namespace {
 
 void KeepInBounds(JobControls& job, std::vector<std::string>& listLines) {
   job.phases = std::max(job.phases, 1);

@@ -13,6 +13,9 @@ namespace kaldena {
 // their defaults where the engine fails.
 enum class RecordRead { kOk = 0, kMissing = 1, kBadNumbers = 2 };
 
+// The list line of a record that does not read: " Error reading " and the record.
+std::string ErrorReading(std::string_view key, std::string_view data);
+
 // The eight numbers of JOBT.
 struct JobControls {
   int jobType = 2;          // 0/1 refinement, 2/3 calculation, 4/5 comparison; even is X-rays

@@ -37,20 +37,6 @@ bool HasLabelField(std::string_view key) {
   return false;
 }
 
-// Reads one line; "\n", "\r\n" and a lone "\r" all end a line. Keeps at most 256 characters.
-bool ReadLine(std::istream& in, std::string& line) {
-  line.clear();
-  std::streambuf* buf = in.rdbuf();
-  int c = buf->sbumpc();
-  if (c == std::char_traits<char>::eof()) return false;
-  while (c != std::char_traits<char>::eof() && c != '\n' && c != '\r') {
-    if (line.size() < kRecordLength) line.push_back(static_cast<char>(c));
-    c = buf->sbumpc();
-  }
-  if (c == '\r' && buf->sgetc() == '\n') buf->sbumpc();
-  return true;
-}
-
 // Column (0-based) where the data of a line begin: behind a comma or control character in
 // columns 5 to 10 (searched from `from`), else column 11.
 size_t DataStart(std::string& line, size_t from) {
@@ -88,6 +74,19 @@ std::string SplitLabel(const std::string& result, bool isAtom) {
 
 }  // namespace
 
+bool ReadRecordLine(std::istream& in, std::string& line) {
+  line.clear();
+  std::streambuf* buf = in.rdbuf();
+  int c = buf->sbumpc();
+  if (c == std::char_traits<char>::eof()) return false;
+  while (c != std::char_traits<char>::eof() && c != '\n' && c != '\r') {
+    if (line.size() < kRecordLength) line.push_back(static_cast<char>(c));
+    c = buf->sbumpc();
+  }
+  if (c == '\r' && buf->sgetc() == '\n') buf->sbumpc();
+  return true;
+}
+
 Record PadRecord(std::string_view line) {
   Record r(line.substr(0, kRecordLength));
   r.resize(kRecordLength, ' ');
@@ -115,7 +114,7 @@ int RecordStore::LoadRows(std::istream& in) {
   overflow_ = false;
   std::string line;
   while (true) {
-    if (!ReadLine(in, line)) {
+    if (!ReadRecordLine(in, line)) {
       if (rows_.empty()) {
         reporter_.ShowMessage("Error", "Error reading recfile");
         return -1;

@@ -60,6 +60,10 @@ class RecordStore {
   bool overflow_ = false;  // the file had more lines than the table holds
 };
 
+// Reads one line of a record file: "\n", "\r\n" and a lone "\r" all end a line; at most 256
+// characters are kept. False at the end of the stream.
+bool ReadRecordLine(std::istream& in, std::string& line);
+
 // True when the key field of a line holds `key` (four characters, case folded). A key that
 // ends in blanks also matches a line with a delimiter (comma or control character) in their
 // place: "XYZ,Fe1 ..." is a line of "XYZ ".
