@@ -10,3 +10,7 @@ kalden=$build/bin/kalden
 
 "$kalden" records tests/data/main/hand_edited.rec TITL cell xyz CXYZ XYZ LRES ZZZZ \
   > tests/data/main/hand_edited.records
+
+# List-file heads of the engine's input stage.
+KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/engine_input_stage_test" \
+  --gtest_filter='Projects/InputGolden.*' > /dev/null

@@ -160,6 +160,39 @@ struct PatternPoints {
   std::vector<float> x, dx, observed, weight, fileBackground;
 };
 
+// How a reflection's derivative row meets the profile at a point: the factor that multiplies
+// the row entry of a parameter in the sweep over the points.
+enum class RowFactor : unsigned char {
+  kOne = 0,           // structure-factor values: the row holds d F2 / d value
+  kWidth,             // dH
+  kRightWidth,        // dHR
+  kPosition,          // shifts of the peak: cd d + dP
+  kDivergenceSL,      // numeric derivatives of the axial-divergence profile
+  kDivergenceHL,
+  kShape,             // dEta
+  kRightShape,        // dEtaR
+  kAsymmetry,         // dA, or the Rietveld form
+  kTransparency,      // the transparency asymmetry
+  kTheta,             // metric and wavelength: cd d + dTheta
+};
+
+// Work arrays of the least-squares cycles, allocated by the cycle stage.
+struct CycleWork {
+  std::vector<float> normal;  // kMaxParameters x kMaxParameters, row-major, upper part summed
+  std::vector<float> rows;    // ring of kMaxReflectionsAtPoint derivative rows, kMaxParameters each
+  std::array<float, kMaxReflectionsAtPoint> ringTan{};
+  std::array<float, kMaxParameters> lastShifts{};
+  // Row factor of each parameter for the reflections of each phase.
+  std::vector<std::array<RowFactor, kMaxParameters>> factors;
+  // Per reflection: phase angle of the structure factor, and the sums of the sweep for the
+  // extracted intensities.
+  std::vector<float> phaseAngle, observedIntensity, intensityVariance, calculatedIntensity;
+  // Per point: background, the calculated pattern and each phase's part of it.
+  std::vector<float> background, calculated;
+  std::vector<std::vector<float>> phaseCalculated;
+  std::vector<int> spans;
+};
+
 struct EngineState {
   bool debug = false;
   // Files of the run.
@@ -186,6 +219,7 @@ struct EngineState {
   std::array<float, kMaxParameters> relaxation{};
 
   ReflectionStore reflections;
+  CycleWork work;
 };
 
 // Clears everything of a previous run.
