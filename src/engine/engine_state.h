@@ -193,6 +193,20 @@ struct CycleWork {
   std::vector<int> spans;
 };
 
+// What the cycles leave for the output stage and the caller: the residuals of the last
+// sweep and the shifts of the last cycle.
+struct CycleSummary {
+  int cycles = 0;  // cycles run
+  int points = 0;  // points that took part
+  float rp = 0, rwp = 0, rpBackground = 0, chi2 = 0;
+  float durbinWatson = 0, durbinWatsonWeighted = 0;
+  float esdFactor = 0;
+  double sumWeightedDiff2 = 0, sumWeightedObserved2 = 0;
+  float largestRatio = 0, averageRatio = 0;  // shift / esd
+  std::string largestName;
+  double condition = 0;
+};
+
 struct EngineState {
   bool debug = false;
   // Files of the run.
@@ -220,6 +234,8 @@ struct EngineState {
 
   ReflectionStore reflections;
   CycleWork work;
+  CycleSummary summary;
+  std::vector<std::string> resultRecords;  // of the last cycle, for the temporary file
 };
 
 // Clears everything of a previous run.

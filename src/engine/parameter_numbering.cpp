@@ -6,6 +6,7 @@
 #include "engine/parameter_limits.h"
 #include "store/codeword.h"
 #include "util/column_format.h"
+#include "util/text.h"
 
 namespace kaldena {
 
@@ -172,12 +173,8 @@ class Numbering {
 
   void Debug(const std::string& text) {
     if (!state_.debug) return;
-    size_t begin = 0;
-    while (begin <= text.size()) {
-      size_t end = text.find('\n', begin);
-      if (end == std::string::npos) end = text.size();
-      if (end > begin) reporter_.LogLine(std::string_view(text).substr(begin, end - begin));
-      begin = end + 1;
+    for (std::string_view line : SplitLines(text)) {
+      if (!line.empty()) reporter_.LogLine(line);
     }
   }
 
@@ -258,6 +255,45 @@ void ApplyInputLimits(EngineState& state) {
     }
   }
   for (Refinable& r : state.globals.slots) apply(r);
+}
+
+std::string ParameterName(const EngineState& state, int number) {
+  static constexpr const char* kAtomNames[] = {"X", "Y", "Z", "B", "OCC", "B11",
+                                               "B22", "B33", "B12", "B13", "B23"};
+  static constexpr const char* kPhaseNames[] = {
+      "SCALE", "OVERALL B", "U", "V", "W", "A*", "B*", "C*", "F*", "E*", "D*", "PREF 1",
+      "PREF 2", "ASYMMETRY", "SHAPE 1", "SHAPE 2", "SHAPE 3", "RIGHT U", "RIGHT V",
+      "RIGHT W", "R SHAPE 1", "R SHAPE 2", "R SHAPE 3", "STRAIN", "SIZE"};
+  static constexpr const char* kGlobalNames[] = {"ZEROPOINT", "SAMPLE SHIFT", "TRANSPARENCY"};
+  std::string name;
+  for (size_t p = 0; p < state.phases.size() && name.empty(); ++p) {
+    const Phase& phase = state.phases[p];
+    for (int a = phase.firstAtom; a < phase.firstAtom + phase.atoms && name.empty(); ++a) {
+      const Atom& atom = state.atoms[a];
+      for (int j = 1; j <= kAtomColumns && name.empty(); ++j) {
+        if (atom.values[j].number == number) name = std::string(kAtomNames[j - 1]) + " " + atom.label;
+      }
+    }
+    for (int slot = 1; slot <= kSize && name.empty(); ++slot) {
+      if (phase.values[slot].number == number) {
+        name = std::string(kPhaseNames[slot - 1]) + " PHASE " + std::to_string(p + 1);
+      }
+    }
+  }
+  for (int slot = 1; slot <= kGlobalSlots && name.empty(); ++slot) {
+    if (state.globals[slot].number != number) continue;
+    if (slot <= kTransparency) {
+      name = kGlobalNames[slot - 1];
+    } else if (slot < kAxial1) {
+      name = "BACKGROUND " + std::to_string(slot - kFirstBackground + 1);
+    } else {
+      static constexpr const char* kOthers[] = {"AXIAL 1", "AXIAL 2", "TRANSP. ASYM.",
+                                                "WAVELENGTH", "BKG FACTOR"};
+      name = kOthers[slot - kAxial1];
+    }
+  }
+  name.resize(20, ' ');
+  return name;
 }
 
 float ResetTied(const EngineState& state, int number, float fraction, ListFile& list) {

@@ -2,6 +2,8 @@
 // its codeword; NumberParameters turns it into a multiplier and gives the value its number.
 #pragma once
 
+#include <string>
+
 #include "engine/engine_state.h"
 #include "util/report.h"
 
@@ -16,6 +18,10 @@ void CheckBlocks(EngineState& state);
 // their site factors; special positions couple y and z to x; the Laue class ties the metric;
 // ties above 400 are resolved at the end. False, with a list line, beyond 400 parameters.
 bool NumberParameters(EngineState& state, Reporter& reporter);
+
+// The name of parameter `number` (1 to 400) as the list file shows it, 20 characters: the kind
+// of the first value that uses it, with its atom's label or its phase.
+std::string ParameterName(const EngineState& state, int number);
 
 // Moves start values that lie beyond a LIMP limit onto it.
 void ApplyInputLimits(EngineState& state);

@@ -10,5 +10,7 @@ namespace kaldena {
 int ElementCommand(const std::vector<std::string>& args);
 int SpaceGroupCommand(const std::vector<std::string>& args);
 int RawDataCommand(const std::vector<std::string>& args);
+int RunCommand(const std::vector<std::string>& args);
+int UpdateCommand(const std::vector<std::string>& args);
 
 }  // namespace kaldena

@@ -52,6 +52,16 @@ constexpr Command kCommands[] = {
      "9 epf) as the engine would and print start, step, stop and the number of points; with "
      "--points one line per point (two-theta, intensity, variance, background)",
      kaldena::RawDataCommand},
+    {"run", "kalden run PROJECT|BATCH [--debug] [--update-all]",
+     "refine, calculate or compare",
+     "run the engine on a project (.rec), or on each project of a batch (.mlt list, .exp "
+     "chain, .edt edits): list file, summary, Fourier file and, for a refinement, the updated "
+     "parameter file; Ctrl+C ends a refinement after the current cycle. After a .mlt or .edt "
+     "batch --update-all takes every parameter file over as its project",
+     kaldena::RunCommand},
+    {"update", "kalden update PROJECT", "parameter file over project file",
+     "copy the project's output parameter file (PWPR, or %BASE.par) over the project file",
+     kaldena::UpdateCommand},
 };
 
 const Command* FindCommand(std::string_view name) {

@@ -68,6 +68,18 @@ std::string RightJustify(std::string_view text, std::size_t width) {
   return std::string(width - word.size(), ' ') + std::string(word);
 }
 
+std::vector<std::string_view> SplitLines(std::string_view text) {
+  std::vector<std::string_view> lines;
+  std::size_t begin = 0;
+  while (begin < text.size()) {
+    std::size_t end = text.find('\n', begin);
+    if (end == std::string_view::npos) end = text.size();
+    lines.push_back(text.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return lines;
+}
+
 std::string SplitWords(std::string_view line, int n) {
   std::size_t start = 0;
   for (int word = 1;; ++word) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kaldena {
 
@@ -38,6 +39,10 @@ std::string RightJustify(std::string_view text, std::size_t width);
 
 // The n-th (1-based) blank-separated word of the line; empty when the line has fewer words.
 std::string SplitWords(std::string_view line, int n);
+
+// The lines of a text as the column writer makes it: split at each '\n', where a final '\n'
+// ends the last line rather than starting an empty one.
+std::vector<std::string_view> SplitLines(std::string_view text);
 
 // Length of the text without its trailing blanks.
 std::size_t TrimmedLength(std::string_view text);

@@ -1,0 +1,238 @@
+#include "engine/cycles.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "engine/engine_input.h"
+#include "engine/parameter_numbering.h"
+#include "engine/parameter_shifts.h"
+#include "engine/point_terms.h"
+#include "engine/reflection_terms.h"
+#include "engine/residuals.h"
+#include "engine/result_records.h"
+#include "engine/normal_equations.h"
+#include "util/column_format.h"
+
+namespace kaldena {
+
+namespace {
+
+void Progress(const EngineState& state, Reporter& reporter, std::string_view line) {
+  if (state.debug) reporter.LogLine(line);
+}
+
+void AllocateWork(EngineState& state) {
+  CycleWork& w = state.work;
+  const int reflections = state.reflections.Count();
+  const int points = state.points.count;
+  if (IsRefinement(state.controls) && state.parameters > 0) {
+    w.normal.assign(static_cast<size_t>(kMaxParameters) * kMaxParameters, 0.0f);
+    w.rows.assign(static_cast<size_t>(kMaxReflectionsAtPoint) * kMaxParameters, 0.0f);
+  }
+  w.phaseAngle.assign(reflections, 0.0f);
+  w.background.assign(points, 0.0f);
+  w.calculated.assign(points, 0.0f);
+  w.phaseCalculated.assign(state.phases.size(), std::vector<float>(points, 0.0f));
+  w.lastShifts.fill(1e-20f);
+  SetRowFactors(state);
+}
+
+bool TakesPart(const EngineState& state, int span) {
+  if (span == kMaxReflections) return false;  // excluded
+  return span != 0 || state.controls.job.background < 1;
+}
+
+// One pass over the points: reflections as the points reach them, the pattern and, in a
+// refinement, the normal equations.
+bool Sweep(EngineState& state) {
+  CycleWork& w = state.work;
+  const int reflections = state.reflections.Count();
+  w.observedIntensity.assign(reflections, 0.0f);
+  w.intensityVariance.assign(reflections, 0.0f);
+  w.calculatedIntensity.assign(reflections, 0.0f);
+  std::fill(w.normal.begin(), w.normal.end(), 0.0f);
+  state.shifts.fill(0.0f);
+  SetBackground(state);
+  const bool refinement = IsRefinement(state.controls);
+  int done = 0;  // reflections whose terms stand
+  state.summary.points = 0;
+  for (int i = 0; i < state.points.count; ++i) {
+    const int span = w.spans[i + 1];
+    if (!TakesPart(state, span)) continue;
+    const int first = span % kMaxReflections, last = (span / kMaxReflections) % kMaxReflections;
+    ++state.summary.points;
+    for (; done < last; ++done) ReflectionTerms(state, done);
+    if (refinement && state.points.weight[i] <= 0) continue;
+    const int from = first == 0 ? 0 : first - 1;
+    const int to = first == 0 ? -1 : last - 1;
+    if (PointTerms(state, i, from, to) != PointStatus::kOk) return false;
+  }
+  return true;
+}
+
+void DampAndMirror(EngineState& state) {
+  const int np = state.parameters;
+  std::vector<float>& m = state.work.normal;
+  float damping = state.controls.damping > 0 ? state.controls.damping : 1.0f;
+  for (int i = 0; i < np; ++i) {
+    m[static_cast<size_t>(i) * kMaxParameters + i] *= damping;
+    for (int j = i + 1; j < np; ++j) {
+      m[static_cast<size_t>(j) * kMaxParameters + i] = m[static_cast<size_t>(i) * kMaxParameters + j];
+    }
+  }
+}
+
+bool CheckDiagonal(EngineState& state) {
+  bool zero = false;
+  for (int i = 0; i < state.parameters; ++i) {
+    if (state.work.normal[static_cast<size_t>(i) * kMaxParameters + i] != 0) continue;
+    state.list.Line(FormatLine("(' Zero derivative for  ',A20)", ParameterName(state, i + 1)));
+    zero = true;
+  }
+  return !zero;
+}
+
+// A parameter stopped by its limit in the last cycle is held: its row and column are
+// cleared, the diagonal kept, so that its shift is 0.
+void HoldLimited(EngineState& state) {
+  std::vector<float>& m = state.work.normal;
+  for (const ParameterLimit& limit : state.controls.limits) {
+    const int n = std::abs(limit.number);
+    if (limit.mark != kLimitHit || n < 1 || n > state.parameters) continue;
+    const size_t d = static_cast<size_t>(n - 1) * kMaxParameters + (n - 1);
+    const float diagonal = m[d];
+    for (int j = 0; j < state.parameters; ++j) {
+      m[static_cast<size_t>(n - 1) * kMaxParameters + j] = 0;
+      m[static_cast<size_t>(j) * kMaxParameters + (n - 1)] = 0;
+    }
+    m[d] = diagonal;
+    state.shifts[n - 1] = 0;
+  }
+}
+
+// Shift over esd of each parameter, the largest with its name and the mean magnitude.
+void ShiftStatistics(EngineState& state, Reporter& reporter) {
+  CycleSummary& s = state.summary;
+  s.largestRatio = 0;
+  s.averageRatio = 0;
+  int largest = 0;
+  for (int i = 0; i < state.parameters; ++i) {
+    const float variance = std::abs(state.work.normal[static_cast<size_t>(i) * kMaxParameters + i]);
+    const float ratio = variance > 0 ? state.shifts[i] / std::sqrt(variance) : 0.0f;
+    s.averageRatio += std::abs(ratio);
+    if (std::abs(ratio) > std::abs(s.largestRatio)) {
+      s.largestRatio = ratio;
+      largest = i + 1;
+    }
+  }
+  if (state.parameters > 0) s.averageRatio /= static_cast<float>(state.parameters);
+  s.largestName = largest > 0 ? ParameterName(state, largest) : std::string(20, ' ');
+  const std::string line = FormatLine("(' Max. shift/e.s.d.:',E12.4,' (',A20,' )  Average: ',e12.4)",
+                                      s.largestRatio, s.largestName, s.averageRatio);
+  state.list.Line(line);
+  reporter.LogLine(line);
+}
+
+void ComputeResiduals(EngineState& state) {
+  const int count = state.points.count;
+  std::unique_ptr<bool[]> takesPart(new bool[count]);
+  for (int i = 0; i < count; ++i) takesPart[i] = TakesPart(state, state.work.spans[i + 1]);
+  const CycleWork& w = state.work;
+  ResidualInput in{std::span<const float>(state.points.observed.data(), count),
+                   std::span<const float>(w.calculated.data(), count),
+                   std::span<const float>(w.background.data(), count),
+                   std::span<const float>(state.points.weight.data(), count),
+                   std::span<const bool>(takesPart.get(), count), state.parameters};
+  const Residuals r = ResidualStatistics(in);
+  CycleSummary& s = state.summary;
+  s.rp = r.rp;
+  s.rwp = r.rwp;
+  s.rpBackground = r.rpBackground;
+  s.chi2 = r.chi2;
+  s.durbinWatson = r.durbinWatson;
+  s.durbinWatsonWeighted = r.durbinWatsonWeighted;
+  s.esdFactor = r.esdFactor;
+  s.sumWeightedDiff2 = r.sumWeightedDiff2;
+  s.sumWeightedObserved2 = r.sumWeightedObserved2;
+}
+
+// Solves the normal equations and scales the inverse to the covariance: the unscaled inverse
+// times chi squared per degree of freedom.
+void SolveAndScale(EngineState& state) {
+  const int np = state.parameters;
+  state.summary.condition =
+      ShiftSolver(np, state.work.normal, kMaxParameters, state.shifts, state.relaxation);
+  ComputeResiduals(state);
+  const int freedom = state.summary.points - np;
+  const float v = freedom > 0 ? static_cast<float>(state.summary.sumWeightedDiff2 / freedom) : 1.0f;
+  for (float& m : state.work.normal) m *= v;
+}
+
+void ListResiduals(EngineState& state) {
+  const CycleSummary& s = state.summary;
+  ListFile& list = state.list;
+  list.Text(Format("(/' RESIDUALS:'/)"));
+  list.Text(Format("(' Rp =',F6.2,'   Rwp =',F6.2,$)", s.rp, s.rwp));
+  list.Text(Format("('  CHI2 =',F6.2,$)", s.chi2));
+  list.Text(Format("('   Rp (-Background) =',F6.2)", s.rpBackground));
+  list.Text(Format("(/' DURBIN-WATSON D STATISTICS :',$)"));
+  list.Text(Format("('   UNWEIGHTED =',F8.3,$)", s.durbinWatson));
+  list.Text(Format("('   WEIGHTED =',F8.3)", s.durbinWatsonWeighted));
+  list.Text(Format("(/' ESD:S HAVE TO BE MULTIPLIED BY: ',F6.3/)", s.esdFactor));
+}
+
+}  // namespace
+
+bool AssignSpans(EngineState& state) {
+  const RunControls& c = state.controls;
+  PointSpanInput input;
+  input.start = c.start;
+  input.step = c.step;
+  input.points = state.points.count;
+  input.base = c.rlim[0];
+  input.excludedRegions = c.excludedRegions;
+  if (!state.phases.empty()) {
+    input.asymmetryRefined = state.phases[0].values[kAsymmetry].number != 0;
+  }
+  input.asymmetryLimit = c.rlim[3];
+  std::vector<std::string> lines;
+  const SpanStatus status = AssignPointSpans(state.reflections, input, state.work.spans, lines);
+  for (const std::string& line : lines) state.list.Line(line);
+  return status == SpanStatus::kOk;
+}
+
+CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop) {
+  AllocateWork(state);
+  const bool refinement = IsRefinement(state.controls) && state.parameters > 0;
+  const int cycles = refinement ? std::max(state.controls.cycles, 1) : 1;
+  for (int cycle = 1; cycle <= cycles; ++cycle) {
+    Progress(state, reporter, " L.S. cycles started");
+    if (!Sweep(state)) return CycleStatus::kFailed;
+    state.summary.cycles = cycle;
+    if (!refinement) {
+      ComputeResiduals(state);
+      if (!state.controls.calculation) ListResiduals(state);
+      return CycleStatus::kOk;
+    }
+    Progress(state, reporter, " Matrix calculations done");
+    DampAndMirror(state);
+    if (!CheckDiagonal(state)) return CycleStatus::kFailed;
+    HoldLimited(state);
+    SolveAndScale(state);
+    Progress(state, reporter, " Matrix inversion done");
+    DampOscillation(state.parameters, state.shifts, state.work.lastShifts);
+    state.resultRecords = ApplyShifts(state, cycle);
+    ListResiduals(state);
+    if (!WriteResultRecords(state.temporaryFile, state.resultRecords)) {
+      state.list.Line(" Error writing the temporary parameter file");
+      return CycleStatus::kFailed;
+    }
+    ShiftStatistics(state, reporter);
+    if (state.controls.termination > std::abs(state.summary.largestRatio) || stop) break;
+    Progress(state, reporter, " Shifts applied");
+  }
+  return CycleStatus::kOk;
+}
+
+}  // namespace kaldena

@@ -1,0 +1,24 @@
+// The least-squares cycles of a run: sweep, normal equations, solution, shifts, stop test.
+#pragma once
+
+#include <atomic>
+
+#include "engine/engine_state.h"
+#include "util/report.h"
+
+namespace kaldena {
+
+enum class CycleStatus {
+  kOk = 0,
+  kFailed = 1,  // a zero derivative or an illegal profile, told in the list file
+};
+
+// Ties every point to its reflections; false after " EXCESSIVE PEAK OVERLAP", "NO REFLECTIONS
+// FOUND" or " ASYMMETRY PARAMETER USAGE INVALID" in the list file.
+bool AssignSpans(EngineState& state);
+
+// Runs the cycles of a refinement, or the one sweep of a calculation or comparison. A set
+// `stop` ends the refinement after the current cycle, as if the shifts had converged.
+CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop);
+
+}  // namespace kaldena

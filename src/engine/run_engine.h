@@ -1,0 +1,43 @@
+// The engine's one entry: a project, or a batch of projects, through the stages of a run.
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <string_view>
+
+#include "util/report.h"
+
+namespace kaldena {
+
+// How the argument is taken, by its extension.
+enum class BatchMode {
+  kProject = 0,  // the argument is the project itself
+  kList = 1,     // .mlt: one project name a line
+  kChain = 2,    // .exp: each project starts from its predecessor's result
+  kEdits = 3,    // .edt: each project with record lines applied before its run
+};
+
+BatchMode BatchModeOf(std::string_view fileName);
+
+struct EngineRequest {
+  std::string fileName;
+  bool debug = false;
+  // Set from another thread (a Stop button, Ctrl+C): the refinement ends after the current
+  // cycle with its results written.
+  const std::atomic<bool>* stop = nullptr;
+};
+
+struct EngineResult {
+  int status = 0;              // 0 all runs ended well, 1 a stage failed
+  std::string currentProject;  // the project the application should reopen after a batch
+};
+
+// Runs every project of the request. Log lines and questions go to `reporter`; the question
+// "Do you want to update all project files?" after a list or edits batch is asked there.
+EngineResult RunEngine(const EngineRequest& request, Reporter& reporter);
+
+// Seconds between two clock readings of hours x 3600 + minutes x 60 + seconds, across one
+// midnight.
+int ElapsedSeconds(int start, int end);
+
+}  // namespace kaldena

@@ -1,0 +1,73 @@
+// kalden run and kalden update: the engine on a project or a batch, and the parameter file
+// taken over as the project.
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "engine/run_engine.h"
+#include "main/commands.h"
+#include "store/job_records.h"
+#include "store/record_store.h"
+#include "util/report.h"
+
+namespace kaldena {
+
+namespace {
+
+// Ctrl+C asks the refinement to end after the current cycle, with its results written.
+std::atomic<bool> stopRequested{false};
+
+extern "C" void RequestStop(int) { stopRequested = true; }
+
+}  // namespace
+
+int RunCommand(const std::vector<std::string>& args) {
+  EngineRequest request;
+  bool updateAll = false;
+  for (const std::string& arg : args) {
+    if (arg == "--debug") {
+      request.debug = true;
+    } else if (arg == "--update-all") {
+      updateAll = true;
+    } else if (request.fileName.empty() && !arg.starts_with("--")) {
+      request.fileName = arg;
+    } else {
+      std::fprintf(stderr, "usage: kalden run PROJECT|BATCH [--debug] [--update-all]\n");
+      return 1;
+    }
+  }
+  if (request.fileName.empty()) {
+    std::fprintf(stderr, "usage: kalden run PROJECT|BATCH [--debug] [--update-all]\n");
+    return 1;
+  }
+  stopRequested = false;
+  request.stop = &stopRequested;
+  std::signal(SIGINT, RequestStop);
+  ConsoleReporter reporter(updateAll);
+  const EngineResult result = RunEngine(request, reporter);
+  std::signal(SIGINT, SIG_DFL);
+  if (result.status != 0) reporter.LogLine("Refinement interupted");
+  return result.status == 0 ? 0 : 1;
+}
+
+int UpdateCommand(const std::vector<std::string>& args) {
+  if (args.size() != 1) {
+    std::fprintf(stderr, "usage: kalden update PROJECT\n");
+    return 1;
+  }
+  ConsoleReporter reporter;
+  RecordStore store(reporter);
+  if (store.jReadRecFile(args[0]) < 1) return 1;
+  const RunFileNames names = ReadRunFileNames(store, args[0]);
+  store.jCloseRec();
+  std::error_code error;
+  std::filesystem::copy_file(names.parameters, args[0],
+                             std::filesystem::copy_options::overwrite_existing, error);
+  reporter.LogLine(error ? "Error updating project" : "Project updated");
+  return error ? 1 : 0;
+}
+
+}  // namespace kaldena
