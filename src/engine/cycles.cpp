@@ -22,22 +22,6 @@ void Progress(const EngineState& state, Reporter& reporter, std::string_view lin
   if (state.debug) reporter.LogLine(line);
 }
 
-void AllocateWork(EngineState& state) {
-  CycleWork& w = state.work;
-  const int reflections = state.reflections.Count();
-  const int points = state.points.count;
-  if (IsRefinement(state.controls) && state.parameters > 0) {
-    w.normal.assign(static_cast<size_t>(kMaxParameters) * kMaxParameters, 0.0f);
-    w.rows.assign(static_cast<size_t>(kMaxReflectionsAtPoint) * kMaxParameters, 0.0f);
-  }
-  w.phaseAngle.assign(reflections, 0.0f);
-  w.background.assign(points, 0.0f);
-  w.calculated.assign(points, 0.0f);
-  w.phaseCalculated.assign(state.phases.size(), std::vector<float>(points, 0.0f));
-  w.lastShifts.fill(1e-20f);
-  SetRowFactors(state);
-}
-
 bool TakesPart(const EngineState& state, int span) {
   if (span == kMaxReflections) return false;  // excluded
   return span != 0 || state.controls.job.background < 1;
@@ -184,6 +168,22 @@ void ListResiduals(EngineState& state) {
 
 }  // namespace
 
+void PrepareCycles(EngineState& state) {
+  CycleWork& w = state.work;
+  const int reflections = state.reflections.Count();
+  const int points = state.points.count;
+  if (IsRefinement(state.controls) && state.parameters > 0) {
+    w.normal.assign(static_cast<size_t>(kMaxParameters) * kMaxParameters, 0.0f);
+    w.rows.assign(static_cast<size_t>(kMaxReflectionsAtPoint) * kMaxParameters, 0.0f);
+  }
+  w.phaseAngle.assign(reflections, 0.0f);
+  w.background.assign(points, 0.0f);
+  w.calculated.assign(points, 0.0f);
+  w.phaseCalculated.assign(state.phases.size(), std::vector<float>(points, 0.0f));
+  w.lastShifts.fill(1e-20f);
+  SetRowFactors(state);
+}
+
 bool AssignSpans(EngineState& state) {
   const RunControls& c = state.controls;
   PointSpanInput input;
@@ -192,7 +192,8 @@ bool AssignSpans(EngineState& state) {
   input.points = state.points.count;
   input.base = c.rlim[0];
   input.excludedRegions = c.excludedRegions;
-  if (!state.phases.empty()) {
+  // Only the profiles with the Rietveld asymmetry need reflections below its limit.
+  if (!state.phases.empty() && c.job.profile < 4) {
     input.asymmetryRefined = state.phases[0].values[kAsymmetry].number != 0;
   }
   input.asymmetryLimit = c.rlim[3];
@@ -203,7 +204,7 @@ bool AssignSpans(EngineState& state) {
 }
 
 CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop) {
-  AllocateWork(state);
+  PrepareCycles(state);
   const bool refinement = IsRefinement(state.controls) && state.parameters > 0;
   const int cycles = refinement ? std::max(state.controls.cycles, 1) : 1;
   for (int cycle = 1; cycle <= cycles; ++cycle) {

@@ -17,6 +17,10 @@ enum class CycleStatus {
 // FOUND" or " ASYMMETRY PARAMETER USAGE INVALID" in the list file.
 bool AssignSpans(EngineState& state);
 
+// The work arrays of the cycles and the row factor of each parameter, for the model as it
+// stands after the input.
+void PrepareCycles(EngineState& state);
+
 // Runs the cycles of a refinement, or the one sweep of a calculation or comparison. A set
 // `stop` ends the refinement after the current cycle, as if the shifts had converged.
 CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop);

@@ -31,6 +31,8 @@ struct Peak {
   float cd = 0;      // position derivative of the Rietveld correction
   float tanTheta = 0;
   bool rietveld = false;
+  // Profile 9: d ln V / d T through the width factor 2 / (1 + exp(T a / sx)).
+  float widthTerm = 0;
   PeakResult shape;
 };
 
@@ -87,10 +89,16 @@ bool EvaluatePeak(const EngineState& state, const PointFrame& f, int r, PeakInpu
   in.etaR = store.Value(ReflectionStore::kRightShape, r);
   in.SL = f.sl;
   in.HL = f.hl;
-  in.widthFactor =
-      f.profile == 9 ? std::max(2 / (1 + std::exp(f.transparency * peak.a / f.sx)), 0.1f) : 1.0f;
+  if (f.profile == 9) {
+    const float e = std::exp(f.transparency * peak.a / f.sx);
+    const float wf = 2 / (1 + e);
+    in.widthFactor = std::max(wf, 0.1f);
+    // V depends on H wf, and its dH is taken to H: so d ln V / d wf = dH H / wf.
+    if (wf > 0.1f) peak.widthTerm = -0.5f * wf * e * (peak.a / f.sx);
+  }
   in.scaleDivergence = f.guinier > 0 ? 1 / std::cos((p - f.guinier) / kDegree) : 1.0f;
   if (PeakShape(f.profile, in, peak.shape, lines) != ProfileStatus::kOk) return false;
+  peak.widthTerm *= peak.shape.dH * in.H;
   peak.y = peak.c * store.Value(ReflectionStore::kLorentzPolarisation, r) * peak.shape.value *
            phase.values[kScale].value;
   return true;
@@ -129,7 +137,7 @@ float Factor(RowFactor kind, const Peak& peak, const PointFrame& f) {
     case RowFactor::kAsymmetry:
       return peak.rietveld ? -(peak.a / peak.tanTheta) / peak.c : s.dA;
     case RowFactor::kTransparency:
-      return -(peak.a / f.sx) / peak.c;
+      return -(peak.a / f.sx) / peak.c + peak.widthTerm;
     case RowFactor::kTheta: return peak.cd * peak.d + s.dTheta;
   }
   return 1;
@@ -154,60 +162,70 @@ void SetBackground(EngineState& state) {
   }
 }
 
-PointStatus PointTerms(EngineState& state, int i, int first, int last) {
-  CycleWork& work = state.work;
-  PatternPoints& points = state.points;
+PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
+                           PointValues& out, std::vector<std::string>& listLines) {
+  const CycleWork& work = state.work;
+  const PatternPoints& points = state.points;
   const int np = state.parameters;
   const bool refinement = IsRefinement(state.controls) && np > 0;
   const PointFrame f = Frame(state, points.x[i]);
-  std::vector<float> dy(refinement ? np : 0, 0.0f);
-  std::vector<float> phaseSums(state.phases.size(), 0.0f);
-  std::vector<std::string> lines;
-
-  std::vector<float> yr;
-  yr.reserve(last - first + 1);
+  out.dy.assign(refinement ? np : 0, 0.0f);
+  out.phases.assign(state.phases.size(), 0.0f);
+  out.reflections.clear();
   for (int r = first; r <= last; ++r) {
     PeakInput in;
     Peak peak;
-    if (!EvaluatePeak(state, f, r, in, peak, lines)) {
-      for (const std::string& line : lines) state.list.Line(line);
-      return PointStatus::kFailed;
-    }
-    const float f2 = state.reflections.Value(ReflectionStore::kStructureFactorSquared, r);
+    if (!EvaluatePeak(state, f, r, in, peak, listLines)) return PointStatus::kFailed;
     int phaseNumber = 0, line = 0, h = 0, k = 0, l = 0;
     ReflectionStore::UnpackIndex(state.reflections.PackedIndex(r), phaseNumber, line, h, k, l);
-    phaseSums[phaseNumber - 1] += peak.y * f2;
-    yr.push_back(peak.y);
+    out.phases[phaseNumber - 1] +=
+        peak.y * state.reflections.Value(ReflectionStore::kStructureFactorSquared, r);
+    out.reflections.push_back(peak.y);
     if (!refinement) continue;
     if (f.profile == 7) DivergenceDerivatives(state, in, peak);
     const float* row = &work.rows[static_cast<size_t>(RingSlot(r)) * kMaxParameters];
     const auto& factors = work.factors[phaseNumber - 1];
     for (int q = 0; q < np; ++q) {
-      if (row[q] != 0) dy[q] += Factor(factors[q], peak, f) * row[q] * peak.y;
+      if (row[q] != 0) out.dy[q] += Factor(factors[q], peak, f) * row[q] * peak.y;
     }
   }
-
-  float y = 0;
-  for (size_t p = 0; p < phaseSums.size(); ++p) {
-    work.phaseCalculated[p][i] = phaseSums[p];
-    y += phaseSums[p];
+  out.y = 0;
+  for (float phase : out.phases) out.y += phase;
+  if (!refinement) return PointStatus::kOk;
+  const auto& g = state.globals;
+  if (state.controls.job.background < 1) {
+    const auto basis = BackgroundBasis(Background(state), points.x[i]);
+    for (int n = 0; n < kBackgroundBasisSize; ++n) {
+      const Refinable& term = g[kFirstBackground + n];
+      if (term.number >= 1 && term.number <= np) out.dy[term.number - 1] += term.fraction * basis[n];
+    }
   }
+  const Refinable& fileFactor = g[kBackgroundFactor];
+  if (fileFactor.number >= 1 && fileFactor.number <= np && !points.fileBackground.empty()) {
+    out.dy[fileFactor.number - 1] += fileFactor.fraction * points.fileBackground[i];
+  }
+  return PointStatus::kOk;
+}
+
+PointStatus PointTerms(EngineState& state, int i, int first, int last) {
+  CycleWork& work = state.work;
+  PatternPoints& points = state.points;
+  const int np = state.parameters;
+  const bool refinement = IsRefinement(state.controls) && np > 0;
+  PointValues values;
+  std::vector<std::string> lines;
+  if (CalculatePoint(state, i, first, last, values, lines) != PointStatus::kOk) {
+    for (const std::string& line : lines) state.list.Line(line);
+    return PointStatus::kFailed;
+  }
+  for (size_t p = 0; p < values.phases.size(); ++p) work.phaseCalculated[p][i] = values.phases[p];
+  const float y = values.y;
   work.calculated[i] = y;
   const float background = work.background[i];
+  const std::vector<float>& dy = values.dy;
+  const std::vector<float>& yr = values.reflections;
 
   if (refinement) {
-    const auto& g = state.globals;
-    if (state.controls.job.background < 1) {
-      const auto basis = BackgroundBasis(Background(state), points.x[i]);
-      for (int n = 0; n < kBackgroundBasisSize; ++n) {
-        const Refinable& term = g[kFirstBackground + n];
-        if (term.number >= 1 && term.number <= np) dy[term.number - 1] += term.fraction * basis[n];
-      }
-    }
-    const Refinable& fileFactor = g[kBackgroundFactor];
-    if (fileFactor.number >= 1 && fileFactor.number <= np && !points.fileBackground.empty()) {
-      dy[fileFactor.number - 1] += fileFactor.fraction * points.fileBackground[i];
-    }
     float w = points.weight[i];
     if (state.controls.job.weighting == 1 && state.controls.cycles > 1) {
       const float yt = y + background;

@@ -2,6 +2,9 @@
 // calculated value to every parameter, and its share of the normal equations.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "engine/engine_state.h"
 
 namespace kaldena {
@@ -10,6 +13,19 @@ enum class PointStatus {
   kOk = 0,
   kFailed = 1,  // an illegal profile number, told in the list file
 };
+
+// What the reflections of a span give at one point.
+struct PointValues {
+  float y = 0;                     // calculated value, background not included
+  std::vector<float> phases;       // each phase's part of it
+  std::vector<float> reflections;  // per reflection of the span: its value per unit F2
+  std::vector<float> dy;           // in a refinement: d(y + background) / d parameter
+};
+
+// The value of point i (from 0) from the reflections first to last (from 0), whose terms of
+// this cycle must stand. Fails on an illegal profile number, with the list line in `listLines`.
+PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
+                           PointValues& out, std::vector<std::string>& listLines);
 
 // Point i (from 0) with the reflections first to last (from 0) of its span. The reflections'
 // terms of this cycle must stand. Adds to the normal equations in a refinement.

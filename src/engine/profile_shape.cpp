@@ -19,6 +19,8 @@ constexpr float kGaussSlope = 1.5642657f;    // kGaussNorm / kSigmaPerFwhm
 constexpr float kLorentzSlope = 1.2732395f;  // 4 / pi
 constexpr float kTwoOverSqrtPi = 1.1283792f;
 constexpr float kLn2 = 0.6931472f;
+// B = cot 2 theta moves by -(1 + B^2) per radian: per degree, like dP, in dTheta.
+constexpr float kDegreesPerRadian = 57.29578f;
 constexpr float kSmallestVoigt = 1e-5f;  // floor of Re w, keeps the logarithms finite
 
 // The five-peak profiles: offsets (in units of A cot 2 theta) and Simpson weights over 12.
@@ -135,7 +137,7 @@ void FivePseudoVoigt(const PeakInput& in, PeakResult& out) {
   const float dAperB = (0.03258887f * (1.0f - eta) * asymG + 0.026525823f * eta * asymL) * inv;
   out.dA = b * dAperB;
   out.dP = -(0.13035548f * (1.0f - eta) * sumDG + 0.10610329f * eta * sumDL) * inv;
-  out.dTheta = out.dP - in.A * dAperB * (1.0f + b * b);
+  out.dTheta = out.dP - in.A * dAperB * (1.0f + b * b) / kDegreesPerRadian;
 }
 
 // Five Voigts displaced as in profile 4 (profile 5).
@@ -166,7 +168,7 @@ void FiveVoigt(const PeakInput& in, PeakResult& out) {
   const float dAperB = 0.03258887f * asym * inv;
   out.dA = b * dAperB;
   out.dP = -0.13035548f * sumRu * inv;
-  out.dTheta = out.dP - in.A * dAperB * (1.0f + b * b);
+  out.dTheta = out.dP - in.A * dAperB * (1.0f + b * b) / kDegreesPerRadian;
 }
 
 // Split pseudo-Voigt: each side its own width and shape, scaled to meet at d = 0 and to keep

@@ -31,7 +31,7 @@ struct PeakInput {
 
 // The value and its derivatives, each as (1/value) d value / d parameter. dP is to the peak
 // position, dTheta to the Bragg angle (equal to dP except for the five-peak profiles, where B =
-// cot 2 theta moves too: that term is per radian of two-theta). Derivatives a profile does not
+// cot 2 theta moves too, also per degree of two-theta). Derivatives a profile does not
 // have are 0.
 struct PeakResult {
   float value = 0;

@@ -108,9 +108,10 @@ AtomSums SumOperators(const EngineState& state, const Phase& phase, const Atom& 
       tb = std::exp(-std::clamp(e, -10.0f, 10.0f));
     }
     const float cs = tb * std::cos(phi);
-    const float sn = centric ? 0.0f : tb * std::sin(phi);
+    const float sn = tb * std::sin(phi);
     sums.c += cs;
-    sums.s += sn;
+    // A centric phase's sine sum vanishes; weighted by h' it does not, and moves the atoms.
+    if (!centric) sums.s += sn;
     if (!derivatives) continue;
     for (int j = 0; j < 3; ++j) {
       sums.cj[j] += cs * hp[j];
@@ -173,6 +174,7 @@ struct Geometry {
   Hkl h;
   float q = 0, s2 = 0, lambda1 = 0, lambda2 = 0, t = 0, cosTheta = 1, sin2Theta = 0, p = 0;
   float width = 0, rightWidth = 0, c3 = 0, fault = 0;
+  float uvwWidth = 0, rightUvwWidth = 0;  // the parts of the widths that U, V, W give
   Orientation o;
 };
 
@@ -206,12 +208,14 @@ void PhaseRows(const EngineState& state, const Phase& phase, const Geometry& g, 
   row.Add(v[kShapeA + 1], f2 * shape2);
   if (!voigt) row.Add(v[kShapeA + 2], f2 * g.p * g.p);
   const std::array<float, 3> uvw = {g.t * g.t, g.t, 1};
-  for (int i = 0; i < 3; ++i) row.Add(v[kHalfwidthU + i], f2 * 0.5f / g.width * uvw[i]);
+  for (int i = 0; i < 3; ++i) row.Add(v[kHalfwidthU + i], f2 * 0.5f / g.uvwWidth * uvw[i]);
   if (profile == 6) {
     row.Add(v[kRightShapeA], f2);
     row.Add(v[kRightShapeA + 1], f2 * g.p);
     row.Add(v[kRightShapeA + 2], f2 * g.p * g.p);
-    for (int i = 0; i < 3; ++i) row.Add(v[kRightHalfwidthU + i], f2 * 0.5f / g.rightWidth * uvw[i]);
+    for (int i = 0; i < 3; ++i) {
+      row.Add(v[kRightHalfwidthU + i], f2 * 0.5f / g.rightUvwWidth * uvw[i]);
+    }
   }
   const float sinCos = std::sqrt(g.s2 * g.lambda2 * 4 * (1 - g.s2 * g.lambda2 * 4));
   const float e = f2 * 0.5f * kTwoDegrees * g.lambda2 / sinCos;
@@ -275,12 +279,14 @@ void ReflectionTerms(EngineState& state, int r) {
   if (profile == 2) shape = std::max(shape, 0.6f);
   store.Value(ReflectionStore::kShapeParameter, r) = shape;
   const float sizeWidth = kDegree * g.lambda1 * v[kSize].value / g.cosTheta;
-  g.width = Width(v, kHalfwidthU, g.t) + sizeWidth;
+  g.uvwWidth = Width(v, kHalfwidthU, g.t);
+  g.width = g.uvwWidth + sizeWidth;
   store.Value(ReflectionStore::kHalfwidth, r) = g.width;
   if (profile == 6) {
     store.Value(ReflectionStore::kRightShape, r) =
         v[kRightShapeA].value + pShape * (v[kRightShapeA + 1].value + pShape * v[kRightShapeA + 2].value);
-    g.rightWidth = Width(v, kRightHalfwidthU, g.t) + sizeWidth;
+    g.rightUvwWidth = Width(v, kRightHalfwidthU, g.t);
+    g.rightWidth = g.rightUvwWidth + sizeWidth;
     store.Value(ReflectionStore::kRightHalfwidth, r) = g.rightWidth;
   }
 

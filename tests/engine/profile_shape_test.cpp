@@ -222,7 +222,7 @@ TEST(PeakShape, VoigtDerivativesAndWidthFactor) {
 }
 
 // Five-peak profiles: dA by differences in A. dTheta - dP is the part that B = cot 2 theta
-// carries, per radian of two-theta: checked against a difference in tanTheta at fixed p for the
+// carries, per degree of two-theta like dP: checked against a difference in tanTheta at fixed p for the
 // pseudo-Voigt (the Voigt's Lorentzian width also moves with tanTheta, so there it is not).
 TEST(PeakShape, FivePeakDerivatives) {
   for (int profile : {4, 5}) {
@@ -243,8 +243,9 @@ TEST(PeakShape, FivePeakDerivatives) {
         const double step = 1e-4;
         lo.tanTheta = static_cast<float>(std::tan(theta - step));
         hi.tanTheta = static_cast<float>(std::tan(theta + step));
-        const double perTwoTheta = (std::log(Value(4, hi)) - std::log(Value(4, lo))) / (4.0 * step);
-        ExpectSlope(r.dTheta - r.dP, perTwoTheta, 200.0, at + " dTheta");
+        const double perTwoTheta =
+            (std::log(Value(4, hi)) - std::log(Value(4, lo))) / (4.0 * step) / 57.29578;
+        ExpectSlope(r.dTheta - r.dP, perTwoTheta, 200.0 / 57.29578, at + " dTheta");
       }
     }
   }
