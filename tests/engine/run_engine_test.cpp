@@ -1,0 +1,167 @@
+// The engine driver: single projects, the three batch modes, what a failure leaves behind,
+// and the clock across midnight.
+#include "engine/run_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "support/test_files.h"
+
+namespace kaldena {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ReadBytes;
+using testing::ScratchDir;
+using testing::TestData;
+
+// A scratch directory that is the current one meanwhile, holding the input test projects.
+class Workspace {
+ public:
+  Workspace() : old_(fs::current_path()) {
+    for (const char* name : {"calculation.rec", "comparison.rec", "pattern.xy", "pattern.epf"}) {
+      fs::copy_file(TestData(std::string("engine/input/") + name), dir_.Path() / name);
+    }
+    fs::current_path(dir_.Path());
+  }
+  ~Workspace() { fs::current_path(old_); }
+
+  // A refinement of the calculation project's pattern: scale and background refined.
+  void WriteRefinement(const std::string& name) {
+    std::string text = ReadBytes("calculation.rec");
+    text.replace(text.find("JOBT          2"), 15, "JOBT          0");
+    text.replace(text.find("RELX          6"), 15, "RELX          2");
+    text += "FRMT          5\nPWDT      pattern.xy\nCSCA           1.000\nCBKG           1.000\n";
+    dir_.Write(name, text);
+  }
+  const fs::path& Path() const { return dir_.Path(); }
+
+ private:
+  ScratchDir dir_;
+  fs::path old_;
+};
+
+EngineResult RunFile(const std::string& name, RecordingReporter& reporter) {
+  return RunEngine({name, false, nullptr}, reporter);
+}
+
+bool LogHas(const RecordingReporter& r, std::string_view text) {
+  for (const std::string& line : r.log) {
+    if (line.find(text) != std::string::npos) return true;
+  }
+  return false;
+}
+
+TEST(RunEngine, BatchModeFollowsTheExtension) {
+  EXPECT_EQ(BatchModeOf("a.rec"), BatchMode::kProject);
+  EXPECT_EQ(BatchModeOf("runs.mlt"), BatchMode::kList);
+  EXPECT_EQ(BatchModeOf("RUNS.MLT"), BatchMode::kList);
+  EXPECT_EQ(BatchModeOf("runs.Mlt"), BatchMode::kProject);  // mixed case is no batch
+  EXPECT_EQ(BatchModeOf("chain.exp"), BatchMode::kChain);
+  EXPECT_EQ(BatchModeOf("edits.EDT"), BatchMode::kEdits);
+  EXPECT_EQ(BatchModeOf("noextension"), BatchMode::kProject);
+}
+
+TEST(RunEngine, ElapsedTimeCrossesMidnightOnce) {
+  EXPECT_EQ(ElapsedSeconds(100, 160), 60);
+  EXPECT_EQ(ElapsedSeconds(86390, 5), 15);
+}
+
+TEST(RunEngine, ARefinementUpdatesItsParameterFileAndACalculationDoesNot) {
+  Workspace w;
+  RecordingReporter reporter;
+  w.WriteRefinement("refine.rec");
+  ASSERT_EQ(RunFile("refine.rec", reporter).status, 0);
+  EXPECT_TRUE(fs::exists("%refine.par"));
+  EXPECT_FALSE(fs::exists("%par.tmp"));
+  EXPECT_TRUE(LogHas(reporter, "seconds elapsed"));
+  EXPECT_TRUE(LogHas(reporter, "BRAGG R-FACTOR"));
+  EXPECT_TRUE(LogHas(reporter, "Max. shift/e.s.d."));
+  // The parameter file holds the refined records behind the input records, and runs again.
+  const std::string par = ReadBytes("%refine.par");
+  EXPECT_NE(par.find("RVAL"), std::string::npos);
+  EXPECT_NE(par.find("SDSC"), std::string::npos);
+  ASSERT_EQ(RunFile("%refine.par", reporter).status, 0);
+
+  ASSERT_EQ(RunFile("calculation.rec", reporter).status, 0);
+  EXPECT_FALSE(fs::exists("%calculation.par"));
+  EXPECT_TRUE(fs::exists("%calculation.sum"));
+  EXPECT_TRUE(fs::exists("%calculation.fou"));
+}
+
+TEST(RunEngine, AFailureLeavesProjectAndParameterFileAlone) {
+  Workspace w;
+  RecordingReporter reporter;
+  std::string text = ReadBytes("calculation.rec");
+  text.erase(text.find("SCAL"), text.find('\n', text.find("SCAL")) - text.find("SCAL") + 1);
+  std::ofstream("noscale.rec") << text;
+  EXPECT_EQ(RunFile("noscale.rec", reporter).status, 1);
+  EXPECT_NE(ReadBytes("%noscale.out").find("Missing scale factor for PRFPAR"), std::string::npos);
+  EXPECT_EQ(ReadBytes("noscale.rec"), text);
+  EXPECT_FALSE(fs::exists("%noscale.par"));
+
+  EXPECT_EQ(RunFile("absent.rec", reporter).status, 1);
+  EXPECT_TRUE(LogHas(reporter, "Error opening or reading absent.rec"));
+}
+
+TEST(RunEngine, ListBatchRunsEachProjectAndAsksToUpdateThem) {
+  Workspace w;
+  w.WriteRefinement("one.rec");
+  w.WriteRefinement("two.rec");
+  std::ofstream("runs.mlt") << "one.xyz\ntwo\n\nnot-reached\n";
+  RecordingReporter reporter;
+  reporter.QueueAnswer(true);
+  const EngineResult result = RunFile("runs.mlt", reporter);
+  ASSERT_EQ(result.status, 0);
+  ASSERT_EQ(reporter.questions.size(), 1u);
+  EXPECT_EQ(reporter.questions[0].title, "Update");
+  EXPECT_EQ(reporter.questions[0].text, "Do you want to update all project files?");
+  EXPECT_TRUE(LogHas(reporter, "one.rec updated"));
+  EXPECT_TRUE(LogHas(reporter, "two.rec updated"));
+  EXPECT_EQ(result.currentProject, "two.rec");
+  EXPECT_EQ(ReadBytes("one.rec"), ReadBytes("%one.par"));
+
+  RecordingReporter missing;
+  EXPECT_EQ(RunFile("none.mlt", missing).status, 1);
+  EXPECT_TRUE(LogHas(missing, "Error opening mlt file"));
+}
+
+TEST(RunEngine, ChainStartsEachProjectFromItsPredecessor) {
+  Workspace w;
+  w.WriteRefinement("first.rec");
+  // The first project's cycles change, the second one gets no record lines.
+  std::ofstream("chain.exp") << "first\nRELX          1 0.30 1.00 1.00 1.00 1.00  20.00000   0.02000  60.00000\n"
+                             << "\nsecond\n\n";
+  RecordingReporter reporter;
+  const EngineResult result = RunFile("chain.exp", reporter);
+  ASSERT_EQ(result.status, 0) << ReadBytes("%first.out");
+  EXPECT_TRUE(LogHas(reporter, "first.rec updated"));
+  EXPECT_TRUE(LogHas(reporter, "second.rec updated"));
+  EXPECT_EQ(result.currentProject, "second.rec");
+  EXPECT_TRUE(reporter.questions.empty());
+  EXPECT_NE(ReadBytes("first.rec").find("RELX          1"), std::string::npos);
+  EXPECT_NE(ReadBytes("second.rec").find("RELX          1"), std::string::npos);
+
+  std::ofstream("empty.exp") << "\n";
+  RecordingReporter empty;
+  EXPECT_EQ(RunFile("empty.exp", empty).status, 1);
+  EXPECT_TRUE(LogHas(empty, "Error reading new project file name"));
+}
+
+TEST(RunEngine, EditsApplyTheirRecordsBeforeTheRun) {
+  Workspace w;
+  w.WriteRefinement("edit.rec");
+  std::ofstream("edits.edt") << "edit\nTITL      Edited title\n\n";
+  RecordingReporter reporter;
+  reporter.QueueAnswer(false);
+  ASSERT_EQ(RunFile("edits.edt", reporter).status, 0);
+  EXPECT_NE(ReadBytes("edit.rec").find("TITL      Edited title"), std::string::npos);
+  EXPECT_NE(ReadBytes("%edit.out").find("Edited title"), std::string::npos);
+  EXPECT_EQ(reporter.questions.size(), 1u);
+  EXPECT_FALSE(LogHas(reporter, "edit.rec updated"));
+}
+
+}  // namespace
+}  // namespace kaldena
