@@ -9,9 +9,9 @@
 #include "engine/parameter_shifts.h"
 #include "engine/point_terms.h"
 #include "engine/reflection_terms.h"
-#include "engine/residuals.h"
+#include "engine/residual_statistics.h"
 #include "engine/result_records.h"
-#include "engine/normal_equations.h"
+#include "engine/shift_solver.h"
 #include "util/column_format.h"
 
 namespace kaldena {
@@ -123,12 +123,15 @@ void ComputeResiduals(EngineState& state) {
   std::unique_ptr<bool[]> takesPart(new bool[count]);
   for (int i = 0; i < count; ++i) takesPart[i] = TakesPart(state, state.work.spans[i + 1]);
   const CycleWork& w = state.work;
-  ResidualInput in{std::span<const float>(state.points.observed.data(), count),
-                   std::span<const float>(w.calculated.data(), count),
-                   std::span<const float>(w.background.data(), count),
-                   std::span<const float>(state.points.weight.data(), count),
-                   std::span<const bool>(takesPart.get(), count), state.parameters};
-  const Residuals r = ResidualStatistics(in);
+  ResidualPoints in;
+  in.observed = std::span<const float>(state.points.observed.data(), count);
+  in.calculated = std::span<const float>(w.calculated.data(), count);
+  in.background = std::span<const float>(w.background.data(), count);
+  in.weight = std::span<const float>(state.points.weight.data(), count);
+  in.takesPart = std::span<const bool>(takesPart.get(), count);
+  in.pointCount = state.summary.points;
+  in.parameters = state.parameters;
+  const ResidualFigures r = ResidualStatistics(in);
   CycleSummary& s = state.summary;
   s.rp = r.rp;
   s.rwp = r.rwp;
@@ -137,8 +140,8 @@ void ComputeResiduals(EngineState& state) {
   s.durbinWatson = r.durbinWatson;
   s.durbinWatsonWeighted = r.durbinWatsonWeighted;
   s.esdFactor = r.esdFactor;
-  s.sumWeightedDiff2 = r.sumWeightedDiff2;
-  s.sumWeightedObserved2 = r.sumWeightedObserved2;
+  s.sumWeightedDiff2 = r.sums.weightedDiff2;
+  s.sumWeightedObserved2 = r.sums.weightedObserved2;
 }
 
 // Solves the normal equations and scales the inverse to the covariance: the unscaled inverse
@@ -146,7 +149,8 @@ void ComputeResiduals(EngineState& state) {
 void SolveAndScale(EngineState& state) {
   const int np = state.parameters;
   state.summary.condition =
-      ShiftSolver(np, state.work.normal, kMaxParameters, state.shifts, state.relaxation);
+      ShiftSolver(np, state.work.normal, std::span<float>(state.shifts.data(), np),
+                  std::span<const float>(state.relaxation.data(), np));
   ComputeResiduals(state);
   const int freedom = state.summary.points - np;
   const float v = freedom > 0 ? static_cast<float>(state.summary.sumWeightedDiff2 / freedom) : 1.0f;
@@ -222,7 +226,7 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
     HoldLimited(state);
     SolveAndScale(state);
     Progress(state, reporter, " Matrix inversion done");
-    DampOscillation(state.parameters, state.shifts, state.work.lastShifts);
+    DampOscillation(std::span<float>(state.shifts.data(), state.parameters), state.work.lastShifts);
     state.resultRecords = ApplyShifts(state, cycle);
     ListResiduals(state);
     if (!WriteResultRecords(state.temporaryFile, state.resultRecords)) {
