@@ -14,3 +14,7 @@ kalden=$build/bin/kalden
 # List-file heads of the engine's input stage.
 KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/engine_input_stage_test" \
   --gtest_filter='Projects/InputGolden.*' > /dev/null
+
+# Files of whole runs.
+KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/engine_output_golden_test" \
+  > /dev/null

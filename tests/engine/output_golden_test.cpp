@@ -1,0 +1,48 @@
+// The files of whole runs, byte for byte: list, summary and Fourier files of a calculation, a
+// comparison and a short refinement. KALDENA_UPDATE_GOLDEN=1 rewrites them.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "engine/run_engine.h"
+#include "support/test_files.h"
+
+namespace kaldena {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ReadBytes;
+using testing::TestData;
+
+class OutputGolden : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(OutputGolden, FilesMatch) {
+  const std::string name = GetParam();
+  testing::ScratchDir dir;
+  for (const char* file : {"pattern.xy", "pattern.epf"}) {
+    fs::copy_file(TestData(std::string("engine/input/") + file), dir.Path() / file);
+  }
+  std::string project = ReadBytes(TestData("engine/input/" + name + ".rec"));
+  if (name == "refinement") project = ReadBytes(TestData("engine/output/refinement.rec"));
+  dir.Write(name + ".rec", project);
+  const fs::path old = fs::current_path();
+  fs::current_path(dir.Path());
+  RecordingReporter reporter;
+  const int status = RunEngine({name + ".rec", false, nullptr}, reporter).status;
+  fs::current_path(old);
+  ASSERT_EQ(status, 0);
+  for (const char* extension : {".out", ".sum", ".fou"}) {
+    const std::string actual = ReadBytes(dir.Path() / ("%" + name + extension));
+    const fs::path golden = TestData("engine/output/" + name + extension);
+    if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden, std::ios::binary) << actual;
+    EXPECT_EQ(actual, ReadBytes(golden)) << golden;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Runs, OutputGolden,
+                         ::testing::Values("calculation", "comparison", "refinement"));
+
+}  // namespace
+}  // namespace kaldena
