@@ -7,7 +7,7 @@ namespace kaldena {
 
 namespace {
 
-constexpr double kDegree = 57.295776;
+constexpr double kDegree = 180.0 / 3.14159265358979323846;
 
 using Values = std::array<double, 6>;
 

@@ -52,6 +52,11 @@ std::array<float, 6> Constrained(std::array<float, 6> c, int laueClass, int uniq
   return c;
 }
 
+// Cosine and sine of an angle in degrees, exact at the right angle, so that constrained
+// metrics keep their ties exactly (D = A for a hexagonal cell, no D for an orthogonal one).
+float Cosine(float degrees) { return degrees == 90 ? 0.0f : std::cos(degrees / kDegree); }
+float Sine(float degrees) { return degrees == 90 ? 1.0f : std::sin(degrees / kDegree); }
+
 int LaueFlag(int laueClass) {
   if (laueClass == 4 || laueClass == 5 || (laueClass >= 8 && laueClass <= 12)) return 1;
   if (laueClass == 6 || laueClass == 7 || laueClass >= 13) return 2;
@@ -67,11 +72,11 @@ MetricStatus MetricFromCell(const std::array<float, 6>& cell, int laueClass, int
   out.laueFlag = LaueFlag(laueClass);
   const auto& c = out.cell;
   const bool hexagonal = laueClass >= 8 && laueClass <= 12;
-  const float ca = std::cos(c[3] / kDegree), sa = std::sin(c[3] / kDegree);
-  const float cb = std::cos(c[4] / kDegree), sb = std::sin(c[4] / kDegree);
-  // The hexagonal angle exactly, so that A, B and D keep their ratio.
-  const float cg = hexagonal ? -0.5f : std::cos(c[5] / kDegree);
-  const float sg = hexagonal ? 0.8660254f : std::sin(c[5] / kDegree);
+  const float ca = Cosine(c[3]), sa = Sine(c[3]);
+  const float cb = Cosine(c[4]), sb = Sine(c[4]);
+  // The hexagonal angle exactly too, so that A, B and D keep their ratio.
+  const float cg = hexagonal ? -0.5f : Cosine(c[5]);
+  const float sg = hexagonal ? 0.8660254f : Sine(c[5]);
   // Cosines of the reciprocal angles alpha*, beta*, gamma*.
   const float c1 = (cb * cg - ca) / (sb * sg);
   const float c2 = (ca * cg - cb) / (sa * sg);
