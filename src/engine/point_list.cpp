@@ -119,10 +119,13 @@ PointListStatus BuildPointList(const RawPattern& raw, RunControls& c, PatternPoi
                            : raw.points;
   const Calibration calibration(raw, c);
   const bool fileAngles = KeepsFileAngles(raw, c);
+  // A thousandth of a step of slack, so that the ends of a range given in round numbers are
+  // not lost to the binary value of the step.
+  const double slack = 1e-3 * std::abs(c.calculation ? c.step : raw.step);
   for (int i = 1; i <= rawCount && points.x.size() < static_cast<size_t>(kMaxPoints); ++i) {
     const double t = calibration.At(i);
-    if (t < c.start) continue;
-    if (t > c.stop) break;
+    if (t < c.start - slack) continue;
+    if (t > c.stop + slack) break;
     const float x = fileAngles ? raw.angles[i - 1] : static_cast<float>(t);
     if (c.calculation) {
       AddPoint(points, x, 0, 0, 0);
