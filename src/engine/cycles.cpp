@@ -10,6 +10,7 @@
 #include "engine/point_terms.h"
 #include "engine/reflection_terms.h"
 #include "engine/residual_statistics.h"
+#include "engine/restraints.h"
 #include "engine/result_records.h"
 #include "engine/shift_solver.h"
 #include "util/column_format.h"
@@ -157,6 +158,23 @@ void SolveAndScale(EngineState& state) {
   for (float& m : state.work.normal) m *= v;
 }
 
+float Capped(double v) { return static_cast<float>(std::min(v, 999.99)); }
+
+// Restraint sums into the normal equations, and their R values for the listing.
+void Restrain(EngineState& state) {
+  const RestraintSums r = AddRestraints(state);
+  CycleSummary& s = state.summary;
+  s.restraints = r.count;
+  s.restraintWeightedResidual2 = r.weightedResidual2;
+  s.restraintWeightedTarget2 = r.weightedTarget2;
+  if (r.count == 0 || r.target == 0 || r.weightedTarget2 == 0) {
+    s.restraintR = s.restraintRw = 0;
+    return;
+  }
+  s.restraintR = Capped(100 * r.absResidual / r.target);
+  s.restraintRw = Capped(100 * std::sqrt(r.weightedResidual2 / r.weightedTarget2));
+}
+
 void ListResiduals(EngineState& state) {
   const CycleSummary& s = state.summary;
   ListFile& list = state.list;
@@ -164,6 +182,14 @@ void ListResiduals(EngineState& state) {
   list.Text(Format("(' Rp =',F6.2,'   Rwp =',F6.2,$)", s.rp, s.rwp));
   list.Text(Format("('  CHI2 =',F6.2,$)", s.chi2));
   list.Text(Format("('   Rp (-Background) =',F6.2)", s.rpBackground));
+  if (s.restraints > 0 && s.restraintR + s.restraintRw > 0) {
+    list.Text(Format("(' RESTRAINTS RESIDUALS : R =',F6.2,$)", s.restraintR));
+    // The pattern's and the restraints' weighted residuals together.
+    const float combined = Capped(
+        100 * std::sqrt((s.sumWeightedDiff2 + s.restraintWeightedResidual2) /
+                        (s.sumWeightedObserved2 + s.restraintWeightedTarget2)));
+    list.Text(Format("('   Rw =',F6.2,'   Rw(comb) =',F6.2)", s.restraintRw, combined));
+  }
   list.Text(Format("(/' DURBIN-WATSON D STATISTICS :',$)"));
   list.Text(Format("('   UNWEIGHTED =',F8.3,$)", s.durbinWatson));
   list.Text(Format("('   WEIGHTED =',F8.3)", s.durbinWatsonWeighted));
@@ -221,6 +247,7 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
       return CycleStatus::kOk;
     }
     Progress(state, reporter, " Matrix calculations done");
+    if (!state.restraints.empty()) Restrain(state);
     DampAndMirror(state);
     if (!CheckDiagonal(state)) return CycleStatus::kFailed;
     HoldLimited(state);

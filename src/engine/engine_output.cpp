@@ -177,7 +177,8 @@ int WritePhase(EngineState& state, Reporter& reporter, int p, const PhaseTable& 
   reporter.LogLine(FormatLine("(' BRAGG R-FACTOR =',F7.2)", bragg));
   const CycleSummary& s = state.summary;
   state.resultRecords.push_back(MakeRecord("RVAL", "i4,i6,i5,5f10.4,i5", state.parameters,
-                                           s.points, number, s.rp, s.rwp, s.chi2, bragg, 0.0f, 0));
+                                           s.points, number, s.rp, s.rwp, s.chi2, bragg,
+                                           s.restraintR, s.restraints));
   return number;
 }
 

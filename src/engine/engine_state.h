@@ -201,6 +201,9 @@ struct CycleSummary {
   float rp = 0, rwp = 0, rpBackground = 0, chi2 = 0;
   float durbinWatson = 0, durbinWatsonWeighted = 0;
   float esdFactor = 0;
+  int restraints = 0;  // distances restrained; their R values, each at most 999.99
+  float restraintR = 0, restraintRw = 0;
+  double restraintWeightedResidual2 = 0, restraintWeightedTarget2 = 0;
   double sumWeightedDiff2 = 0, sumWeightedObserved2 = 0;
   float largestRatio = 0, averageRatio = 0;  // shift / esd
   std::string largestName;
