@@ -3,6 +3,7 @@
 #include <cmath>
 #include <fstream>
 
+#include "engine/crystallinity.h"
 #include "engine/engine_input.h"
 #include "engine/parameter_numbering.h"
 #include "engine/pattern_terms.h"
@@ -249,6 +250,26 @@ bool WriteSummary(EngineState& state, Reporter& reporter, const OutputRange& ran
   return true;
 }
 
+// The crystalline fraction within the limits of CRYS, from the summary just written, and
+// the record with its new results.
+void ListCrystallinity(EngineState& state) {
+  RunControls& c = state.controls;
+  CrystallinityLimits limits{c.crystallinity[0], c.crystallinity[1], {}, c.wavelengths[0]};
+  limits.excludedRegions.assign(c.excludedRegions.begin(),
+                                c.excludedRegions.end() - (c.excludedRegions.empty() ? 0 : 1));
+  const Crystallinity k = CalculateCrystallinity(state.files.summary, limits);
+  if (k.status != CrystallinityStatus::kOk) return;
+  c.crystallinity[2] = k.sWeighted;
+  c.crystallinity[3] = k.unweighted;
+  ListFile& list = state.list;
+  list.Text(Format("(' Crystallinity           Interval'/)"));
+  list.Line(FormatLine("(f14.2,4f8.2)", k.sWeighted, limits.minimum, limits.maximum,
+                       c.wavelengths[0], c.wavelengths[1]));
+  list.Line(FormatLine("(f14.2,2f8.2)", k.unweighted, limits.minimum, limits.maximum));
+  const auto& v = c.crystallinity;
+  state.resultRecords.push_back(MakeRecord("CRYS", "4f10.2", v[0], v[1], v[2], v[3]));
+}
+
 }  // namespace
 
 OutputStatus WriteEngineOutput(EngineState& state, Reporter& reporter) {
@@ -272,11 +293,8 @@ OutputStatus WriteEngineOutput(EngineState& state, Reporter& reporter) {
   state.resultRecords.push_back(MakeRecord("CIF2", "6f10.5", range.start, range.stop, range.step,
                                            range.start - range.correction,
                                            range.stop - range.correction, range.step));
-  if (c.crystallinity != std::array<float, 4>{}) {
-    const auto& k = c.crystallinity;
-    state.resultRecords.push_back(MakeRecord("CRYS", "4f10.2", k[0], k[1], k[2], k[3]));
-  }
   const bool summary = WriteSummary(state, reporter, range);
+  if (summary && c.crystallinity != std::array<float, 4>{}) ListCrystallinity(state);
   if (IsRefinement(c) && state.parameters > 0) {
     WriteResultRecords(state.temporaryFile, state.resultRecords);
   }
