@@ -78,21 +78,48 @@ bool CheckDiagonal(EngineState& state) {
   return !zero;
 }
 
-// A parameter stopped by its limit in the last cycle is held: its row and column are
-// cleared, the diagonal kept, so that its shift is 0.
-void HoldLimited(EngineState& state) {
+// A held parameter keeps its value: its row and column are cleared, the diagonal kept, so
+// that its shift is 0.
+void Hold(EngineState& state, int n) {
+  if (n < 1 || n > state.parameters) return;
   std::vector<float>& m = state.work.normal;
+  const size_t d = static_cast<size_t>(n - 1) * kMaxParameters + (n - 1);
+  const float diagonal = m[d];
+  for (int j = 0; j < state.parameters; ++j) {
+    m[static_cast<size_t>(n - 1) * kMaxParameters + j] = 0;
+    m[static_cast<size_t>(j) * kMaxParameters + (n - 1)] = 0;
+  }
+  m[d] = diagonal;
+  state.shifts[n - 1] = 0;
+}
+
+// Parameters stopped by a limit in the last cycle, and those that an active block holds.
+void HoldParameters(EngineState& state) {
   for (const ParameterLimit& limit : state.controls.limits) {
-    const int n = std::abs(limit.number);
-    if (limit.mark != kLimitHit || n < 1 || n > state.parameters) continue;
-    const size_t d = static_cast<size_t>(n - 1) * kMaxParameters + (n - 1);
-    const float diagonal = m[d];
-    for (int j = 0; j < state.parameters; ++j) {
-      m[static_cast<size_t>(n - 1) * kMaxParameters + j] = 0;
-      m[static_cast<size_t>(j) * kMaxParameters + (n - 1)] = 0;
-    }
-    m[d] = diagonal;
-    state.shifts[n - 1] = 0;
+    if (limit.mark == kLimitHit) Hold(state, std::abs(limit.number));
+  }
+  for (const ParameterBlock& block : state.controls.blocks) {
+    if (block.active) Hold(state, block.blockedParameter);
+  }
+}
+
+// A value of a watched parameter that the shifts took below its limit blocks the other
+// parameter from the next cycle on.
+void TestBlocks(EngineState& state) {
+  for (ParameterBlock& block : state.controls.blocks) {
+    if (block.active || block.watchedParameter == 0 || block.blockedParameter == 0) continue;
+    bool below = false;
+    auto look = [&](const Refinable& r) {
+      below = below || (r.number == block.watchedParameter && r.value < block.limit);
+    };
+    for (const Atom& a : state.atoms) for (const Refinable& r : a.values.slots) look(r);
+    for (const Phase& p : state.phases) for (const Refinable& r : p.values.slots) look(r);
+    for (const Refinable& r : state.globals.slots) look(r);
+    if (!below) continue;
+    block.active = true;
+    state.list.Line(FormatLine("('*** Parameter ',I4,' below',F8.4,' ***')", block.watched,
+                               block.limit));
+    state.list.Line(FormatLine("('    Parameter ',I4,' blocked')", block.blocked));
   }
 }
 
@@ -250,11 +277,12 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
     if (!state.restraints.empty()) Restrain(state);
     DampAndMirror(state);
     if (!CheckDiagonal(state)) return CycleStatus::kFailed;
-    HoldLimited(state);
+    HoldParameters(state);
     SolveAndScale(state);
     Progress(state, reporter, " Matrix inversion done");
     DampOscillation(std::span<float>(state.shifts.data(), state.parameters), state.work.lastShifts);
     state.resultRecords = ApplyShifts(state, cycle);
+    TestBlocks(state);
     ListResiduals(state);
     if (!WriteResultRecords(state.temporaryFile, state.resultRecords)) {
       state.list.Line(" Error writing the temporary parameter file");

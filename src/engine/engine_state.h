@@ -114,6 +114,11 @@ struct ParameterBlock {
   int watched = 0;  // group numbers
   float limit = 0;
   int blocked = 0;
+  // The groups' parameter numbers once numbered (0 when the group is not refined), and
+  // whether a value of the watched one went below the limit during the cycles.
+  int watchedParameter = 0;
+  int blockedParameter = 0;
+  bool active = false;
 };
 
 struct Restraint {

@@ -92,6 +92,11 @@ class Numbering {
 
   bool Overflow() const { return overflow_; }
 
+  // The parameter that a group number stands for, 0 when nothing refines it.
+  int ParameterOfGroup(int group) const {
+    return group >= 0 && group <= kMaxParameters ? groups_[group] : 0;
+  }
+
  private:
   static bool CouplesY(const kaldena::Atom& a) {
     return a.siteFactor > 1 && a.yCoupling >= 2 && a.zCoupling >= 2;
@@ -228,6 +233,10 @@ bool NumberParameters(EngineState& state, Reporter& reporter) {
   // Restraints carry no codewords of their own.
   numbering.Globals();
   numbering.ResolveTies();
+  for (ParameterBlock& block : state.controls.blocks) {
+    block.watchedParameter = numbering.ParameterOfGroup(block.watched);
+    block.blockedParameter = numbering.ParameterOfGroup(block.blocked);
+  }
   if (numbering.Overflow()) {
     state.list.Line(FormatLine("(' Too many parameters: more than',I4)", kMaxParameters));
     return false;
