@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 
@@ -89,6 +90,18 @@ TEST(RunEngine, ARefinementUpdatesItsParameterFileAndACalculationDoesNot) {
   EXPECT_FALSE(fs::exists("%calculation.par"));
   EXPECT_TRUE(fs::exists("%calculation.sum"));
   EXPECT_TRUE(fs::exists("%calculation.fou"));
+}
+
+TEST(RunEngine, TheStopFlagEndsARefinementAfterItsCycleWithResults) {
+  Workspace w;
+  w.WriteRefinement("stop.rec");
+  const std::atomic<bool> stop{true};
+  RecordingReporter reporter;
+  ASSERT_EQ(RunEngine({"stop.rec", false, &stop}, reporter).status, 0);
+  const std::string list = ReadBytes("%stop.out");
+  EXPECT_NE(list.find("CYCLE   1"), std::string::npos);
+  EXPECT_EQ(list.find("CYCLE   2"), std::string::npos);
+  EXPECT_NE(ReadBytes("%stop.par").find("RVAL"), std::string::npos);
 }
 
 TEST(RunEngine, AFailureLeavesProjectAndParameterFileAlone) {
