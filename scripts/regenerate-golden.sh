@@ -18,3 +18,6 @@ KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/engine_input_st
 # Files of whole runs.
 KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/engine_output_golden_test" \
   > /dev/null
+
+# The result table of the refined corundum example.
+KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_table_test" > /dev/null

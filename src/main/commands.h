@@ -12,5 +12,6 @@ int SpaceGroupCommand(const std::vector<std::string>& args);
 int RawDataCommand(const std::vector<std::string>& args);
 int RunCommand(const std::vector<std::string>& args);
 int UpdateCommand(const std::vector<std::string>& args);
+int TableCommand(const std::vector<std::string>& args);
 
 }  // namespace kaldena

@@ -62,6 +62,11 @@ constexpr Command kCommands[] = {
     {"update", "kalden update PROJECT", "parameter file over project file",
      "copy the project's output parameter file (PWPR, or %BASE.par) over the project file",
      kaldena::UpdateCommand},
+    {"table", "kalden table PROJECT|LIST.mlt [--date YYYY-MM-DD]", "the printable result table",
+     "write the result table of a refined project (settings, phases with their parameters and "
+     "atoms and every esd, global results, extracted intensities) beside it with the extension "
+     ".tab; a .mlt list gives one table of all its projects",
+     kaldena::TableCommand},
 };
 
 const Command* FindCommand(std::string_view name) {
