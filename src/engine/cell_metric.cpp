@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "util/cell.h"
+
 namespace kaldena {
 
 namespace {
@@ -71,6 +73,10 @@ MetricStatus MetricFromCell(const std::array<float, 6>& cell, int laueClass, int
   out.cell = Constrained(cell, laueClass, uniqueAxis);
   out.laueFlag = LaueFlag(laueClass);
   const auto& c = out.cell;
+  if (c[0] <= 0 || c[1] <= 0 || c[2] <= 0 ||
+      CellVolume({c[0], c[1], c[2], c[3], c[4], c[5]}) <= 0) {
+    return MetricStatus::kNoCell;
+  }
   const bool hexagonal = laueClass >= 8 && laueClass <= 12;
   const float ca = Cosine(c[3]), sa = Sine(c[3]);
   const float cb = Cosine(c[4]), sb = Sine(c[4]);

@@ -16,6 +16,7 @@ struct CellMetric {
 enum class MetricStatus {
   kOk = 0,
   kBadAxis = 1,  // a unique-axis value above 3: "Error K.GT.3"
+  kNoCell = 2,   // lengths or angles that close no cell: " Cell parameters give no volume"
 };
 
 // Forces lengths and angles by the Laue class (1 to 14; `uniqueAxis` 1, 2 or 3 names the free

@@ -122,9 +122,11 @@ bool ReadPhaseValues(InputRecords& in, EngineState& state, Phase& phase) {
 // works with; the cell itself is kept beside it.
 bool SetMetric(EngineState& state, Phase& phase, Reporter& reporter) {
   CellMetric m;
-  if (MetricFromCell(phase.cell, phase.group.laueClass, phase.group.uniqueAxis, m) !=
-      MetricStatus::kOk) {
-    state.list.Line("Error K.GT.3");
+  const MetricStatus status =
+      MetricFromCell(phase.cell, phase.group.laueClass, phase.group.uniqueAxis, m);
+  if (status != MetricStatus::kOk) {
+    state.list.Line(status == MetricStatus::kBadAxis ? "Error K.GT.3"
+                                                     : " Cell parameters give no volume");
     return false;
   }
   phase.cell = m.cell;

@@ -71,6 +71,8 @@ TEST(MetricFromCell, LaueClassesForceTheirCell) {
   EXPECT_EQ(m.laueFlag, 0);
 
   EXPECT_EQ(MetricFromCell(loose, 3, 4, m), MetricStatus::kBadAxis);
+  EXPECT_EQ(MetricFromCell({0, 4, 5, 90, 90, 90}, 3, 0, m), MetricStatus::kNoCell);
+  EXPECT_EQ(MetricFromCell({3, 4, 5, 10, 170, 90}, 1, 0, m), MetricStatus::kNoCell);
 }
 
 }  // namespace
