@@ -49,8 +49,9 @@ PointFrame Frame(const EngineState& state, float x) {
           g[kZeroPoint].value + g[kSampleShift].value * std::cos(x / 2 / kDegree) +
               g[kTransparency].value * std::sin(x / kDegree),
           std::sin(xe * 3.141592f / 360.0f),
+          // Each AXID value acts with its own parameter: S/L, H/L, transparency asymmetry.
+          g[kAxial1].value,
           g[kAxial2].value,
-          g[kTransparencyAsymmetry].value,
           g[kTransparencyAsymmetry].value,
           state.controls.rlim[3],
           state.controls.rlim[5],

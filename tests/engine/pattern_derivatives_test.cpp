@@ -27,7 +27,8 @@ std::string Project(int profile) {
   const std::string right = profile == 6 ? "     1.000     1.000     1.000" : "";
   std::ostringstream p;
   p << "TITL      derivatives\n"
-    << "FRMT          5\nPWDT      flat.xy\n"
+    << "FRMT          5\nPWDT      flat.xy\nPWBG      flat.xy\n"
+    << "BGSC         0.50000\nCBGS           1.000\n"
     << "JOBT          2    " << profile << "    1   -1    0    2    0    1\n"
     << "ELAM        1.540560  0.000000  0.000000\n"
     << "CWAV           1.000\nWAVE        1.540560\n"
@@ -36,7 +37,8 @@ std::string Project(int profile) {
     << "ANOM      Pb          -4.07500   8.50600\n"
     << "ANOM      O            0.04920   0.03220\n"
     << "ZETT         0.02000   0.03000   0.01000\nCZET           1.000     1.000     1.000\n"
-    << "AXID         0.00000   0.00000   0.04000\nCAXI           0.000     0.000     "
+    << "AXID         0.02000   0.01500   0.04000\nCAXI           "
+    << (profile == 7 ? "1.000     1.000" : "0.000     0.000") << "     "
     << (profile == 8 || profile == 9 ? "1.000" : "0.000") << "\n"
     << "BKGR            40.0       5.0      -2.0\nCBKG           1.000     1.000     1.000\n"
     << "PHTI      test phase\n"
@@ -57,7 +59,7 @@ std::string Project(int profile) {
     << "ASYM         0.90000   0.03000   1.10000\nCASY           1.000     "
     << (profile == 4 || profile == 5 ? "1.000" : "0.000") << "     1.000\n"
     // Size at 0, so that the wavelength moves only the peaks (its width term is not a row).
-    << "STSZ         0.00000   0.00000\nCSTS           0.000     1.000\n"
+    << "STSZ         0.00000   0.00000\nCSTS           1.000     1.000\n"
     << "XYZ       Pb     1  0.18790  0.25000  0.16720  1.00000  1.40000  2  0  0  0\n"
     << "XYZ       O      2  0.08100  0.02700  0.30900  1.00000  1.00000  1  0  0  0\n"
     << "BETA      Pb          0.00400  0.00600  0.00500  0.00000  0.00100  0.00000\n"
@@ -180,7 +182,8 @@ TEST_P(PatternDerivatives, AgreeWithCentralDifferences) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Profiles, PatternDerivatives, ::testing::Values(1, 2, 3, 4, 5, 6, 8, 9));
+INSTANTIATE_TEST_SUITE_P(Profiles, PatternDerivatives,
+                         ::testing::Values(1, 2, 3, 4, 5, 6, 7, 8, 9));
 
 }  // namespace
 }  // namespace kaldena
