@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "main/commands.h"
+#include "main/tool_commands.h"
 #include "store/record_store.h"
 #include "util/report.h"
 #include "util/text.h"
@@ -67,6 +68,14 @@ constexpr Command kCommands[] = {
      "atoms and every esd, global results, extracted intensities) beside it with the extension "
      ".tab; a .mlt list gives one table of all its projects",
      kaldena::TableCommand},
+    {"distances",
+     "kalden distances PROJECT|LIST.mlt [--out FILE] [--min D] [--max D] [--angle-min D] "
+     "[--angle-max D] [--extended] [--no-angles] [--date YYYY-MM-DD]",
+     "distances and angles (.dis)",
+     "list interatomic distances and bond angles with standard deviations per phase into the "
+     "project's .dis file (a .mlt list: all projects into one file); the options replace the "
+     "DIST record's values for this run",
+     kaldena::DistancesCommand},
 };
 
 const Command* FindCommand(std::string_view name) {

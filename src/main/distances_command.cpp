@@ -1,0 +1,83 @@
+// kalden distances: the distance and angle list (.dis) of a project or of a .mlt list of
+// projects, as the menu writes it.
+#include <charconv>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "main/tool_commands.h"
+#include "tools/distances.h"
+#include "util/report.h"
+
+namespace kaldena {
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: kalden distances PROJECT|LIST.mlt [--out FILE] [--min D] [--max D] [--angle-min D] "
+    "[--angle-max D] [--extended] [--no-angles] [--date YYYY-MM-DD]\n";
+
+int Usage() {
+  std::fputs(kUsage, stderr);
+  return 1;
+}
+
+std::optional<float> Number(const std::string& text) {
+  float value = 0;
+  const char* end = text.data() + text.size();
+  const auto [ptr, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || ptr != end) return std::nullopt;
+  return value;
+}
+
+}  // namespace
+
+int DistancesCommand(const std::vector<std::string>& args) {
+  std::string input, listFile;
+  DistanceRunOptions options;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    const bool hasValue = i + 1 < args.size();
+    auto limit = [&](std::optional<float>& target) {
+      if (!hasValue) return false;
+      target = Number(args[++i]);
+      return target.has_value() && *target >= 0;
+    };
+    if (arg == "--out") {
+      if (!hasValue) return Usage();
+      listFile = args[++i];
+    } else if (arg == "--date") {
+      if (!hasValue) return Usage();
+      options.date = args[++i];
+    } else if (arg == "--min") {
+      if (!limit(options.dmin)) return Usage();
+    } else if (arg == "--max") {
+      if (!limit(options.dmax)) return Usage();
+    } else if (arg == "--angle-min") {
+      if (!limit(options.amin)) return Usage();
+    } else if (arg == "--angle-max") {
+      if (!limit(options.amax)) return Usage();
+    } else if (arg == "--extended") {
+      options.option = 3;
+    } else if (arg == "--no-angles") {
+      options.option = 1;
+    } else if (input.empty() && !arg.starts_with("--")) {
+      input = arg;
+    } else {
+      return Usage();
+    }
+  }
+  if (input.empty()) return Usage();
+  if (listFile.empty()) listFile = DistanceListName(input);
+  ConsoleReporter reporter;
+  reporter.LogLine("Starting DISTAN");
+  if (!RunDistan(input, listFile, reporter, options)) {
+    reporter.LogLine("Error in DISTAN");
+    return 1;
+  }
+  reporter.LogLine(listFile + " written");
+  return 0;
+}
+
+}  // namespace kaldena
