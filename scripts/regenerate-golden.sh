@@ -21,3 +21,6 @@ KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/engine_output_g
 
 # The result table of the refined corundum example.
 KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_table_test" > /dev/null
+
+# Distance lists of the refined corundum example.
+KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_distances_test" > /dev/null
