@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "main/commands.h"
+#include "main/project_commands.h"
 #include "main/tool_commands.h"
 #include "store/record_store.h"
 #include "util/report.h"
@@ -76,6 +77,19 @@ constexpr Command kCommands[] = {
      "project's .dis file (a .mlt list: all projects into one file); the options replace the "
      "DIST record's values for this run",
      kaldena::DistancesCommand},
+    {"new", "kalden new PROJECT.rec [--use-existing]", "a project from defaults",
+     "create a project from defaults (one phase \"H\" in P 1, the edit dialogs' default "
+     "records) that runs at once as an X-ray pattern calculation; an existing file is left "
+     "alone unless --use-existing, which adds the default phase behind what is there",
+     kaldena::NewCommand},
+    {"backup", "kalden backup PROJECT", "working copy to BASE.bck",
+     "copy the project's parameter file (PWPR, or BASE.par) to BASE.bck beside the project, "
+     "replacing an older backup",
+     kaldena::BackupCommand},
+    {"restore", "kalden restore PROJECT [BACKUP]", "backup over the working copy",
+     "copy BACKUP (default BASE.bck) over the project's parameter file; the project file "
+     "stays as it is until the next update",
+     kaldena::RestoreCommand},
 };
 
 const Command* FindCommand(std::string_view name) {

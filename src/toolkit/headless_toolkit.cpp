@@ -1,0 +1,489 @@
+// The scripted, display-free toolkit.
+#include "toolkit/headless_toolkit.h"
+
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <sstream>
+
+#include "util/text.h"
+
+namespace kaldena {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string NumberText(double value) {
+  std::ostringstream out;
+  out << value;
+  return out.str();
+}
+
+double TextToReal(const std::string& text) {
+  try {
+    return std::stod(text);
+  } catch (...) {
+    return 0.0;
+  }
+}
+
+int TextToInteger(const std::string& text) {
+  try {
+    return std::stoi(text);
+  } catch (...) {
+    return 0;
+  }
+}
+
+// Root may write anywhere; the desktop's user may not write a read-only file, and the tests
+// depend on that, so the permission bits are honoured here whoever runs the program.
+bool WriteProtected(const fs::path& file) {
+  std::error_code error;
+  const fs::file_status status = fs::status(file, error);
+  if (error || !fs::exists(status)) return false;
+  return (status.permissions() & fs::perms::owner_write) == fs::perms::none;
+}
+
+}  // namespace
+
+std::vector<std::string> ScriptedToolkit::WindowText(int window) const {
+  std::vector<std::string> lines;
+  for (const EditLine& line : editLines_) {
+    if (line.window != window || line.line < 1) continue;
+    const auto at = static_cast<std::size_t>(line.line - 1);
+    if (at < lines.size()) {
+      lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at), line.text);
+    } else {
+      lines.resize(at);
+      lines.push_back(line.text);
+    }
+  }
+  return lines;
+}
+
+std::string ScriptedToolkit::StatusField(int field) const {
+  auto it = statusFields_.find(field);
+  return it == statusFields_.end() ? std::string() : it->second;
+}
+
+std::optional<int> ScriptedToolkit::MenuState(int item, int kind) const {
+  auto it = menuStates_.find({item, kind});
+  if (it == menuStates_.end()) return std::nullopt;
+  return it->second;
+}
+
+std::string ScriptedToolkit::MenuString(int item) const {
+  auto it = menuStrings_.find(item);
+  return it == menuStrings_.end() ? std::string() : it->second;
+}
+
+std::string ScriptedToolkit::DialogField(int dialog, int field) const {
+  auto d = dialogs_state_.find(dialog);
+  if (d == dialogs_state_.end()) return {};
+  auto f = d->second.fields.find(field);
+  return f == d->second.fields.end() ? std::string() : f->second;
+}
+
+void ScriptedToolkit::ClearRecords() {
+  editLines_.clear();
+  boxes_.clear();
+  selectionLog_.clear();
+  fileOperations_.clear();
+  commands_.clear();
+  directoryChanges_.clear();
+  drawing_.clear();
+  dialogsShown_.clear();
+}
+
+void ScriptedToolkit::WindowOpen(int, int, int, int, int, int, std::string_view) {
+  openWindows_.insert(kMainWindow);
+  selectedWindow_ = kMainWindow;
+}
+
+int ScriptedToolkit::WindowOpenChild(int, int, int, int, int, std::string_view) {
+  const int window = nextWindow_++;
+  openWindows_.insert(window);
+  return window;
+}
+
+void ScriptedToolkit::WindowCloseChild(int window) { openWindows_.erase(window); }
+
+void ScriptedToolkit::WindowClose() { openWindows_.clear(); }
+
+void ScriptedToolkit::WindowStatusBarParts(std::span<const int>) {}
+
+void ScriptedToolkit::WindowStatusBar(int field, std::string_view text) {
+  statusFields_[field] = std::string(text);
+}
+
+void ScriptedToolkit::WMessageEnable(int type, bool enable) {
+  if (enable) {
+    enabledMessages_.insert(type);
+  } else {
+    enabledMessages_.erase(type);
+  }
+}
+
+Message ScriptedToolkit::WMessageGet() {
+  while (!messages_.empty()) {
+    Message message = messages_.front();
+    messages_.pop_front();
+    // Mouse and field-change messages reach the program only when it asked for them.
+    const bool switchable = message.type == kMouseButtonUp || message.type == kMouseMove ||
+                            message.type == kFieldChanged;
+    if (switchable && !enabledMessages_.contains(message.type)) continue;
+    if (message.type == kPushButton && (message.value == kIdOk || message.value == kIdCancel)) {
+      lastExitButton_ = message.value;
+      lastAccepted_ = message.value == kIdOk ? 1 : 0;
+    }
+    return message;
+  }
+  return Message{kCloseRequest, 0, 0, 0, kMainWindow};
+}
+
+int ScriptedToolkit::InfoError(int) {
+  const int error = lastError_;
+  lastError_ = 0;
+  return error;
+}
+
+int ScriptedToolkit::InfoDialog(int what) {
+  return what == kInfoExitButton ? lastExitButton_ : lastAccepted_;
+}
+
+int ScriptedToolkit::ArgumentCount() {
+  return arguments_.empty() ? 0 : static_cast<int>(arguments_.size()) - 1;
+}
+
+std::string ScriptedToolkit::Argument(int number) {
+  if (number < 0 || number >= static_cast<int>(arguments_.size())) return {};
+  return arguments_[static_cast<std::size_t>(number)];
+}
+
+void ScriptedToolkit::WMenuSetState(int item, int kind, int value) {
+  menuStates_[{item, kind}] = value;
+}
+
+void ScriptedToolkit::WMenuSetString(int item, std::string_view text) {
+  menuStrings_[item] = std::string(text);
+}
+
+void ScriptedToolkit::WDialogLoad(int dialog) {
+  currentDialog_ = dialog;
+  dialogs_state_[dialog] = Dialog{};
+}
+
+void ScriptedToolkit::WDialogShow(int, int, int, int type) {
+  dialogsShown_.push_back(currentDialog_);
+  DialogAnswer answer;
+  answer.buttons = {kIdCancel};  // a dialog the script did not foresee is cancelled
+  if (!dialogs_.empty() && (dialogs_.front().dialog == currentDialog_ || dialogs_.front().dialog == 0)) {
+    answer = std::move(dialogs_.front());
+    dialogs_.pop_front();
+  }
+  for (const auto& [field, value] : answer.fields) Field(field) = value;
+  if (answer.buttons.empty()) answer.buttons = {kIdCancel};
+  if (type == kDialogModeless) {
+    // The dialog's own loop takes the presses from the queue, before anything queued later.
+    for (auto it = answer.buttons.rbegin(); it != answer.buttons.rend(); ++it) {
+      messages_.push_front(Message{kPushButton, *it});
+    }
+  } else {
+    lastExitButton_ = answer.buttons.back();
+    lastAccepted_ = lastExitButton_ == kIdOk ? 1 : 0;
+  }
+}
+
+void ScriptedToolkit::WDialogUnload() { currentDialog_ = 0; }
+
+void ScriptedToolkit::WDialogPutString(int field, std::string_view text) {
+  Field(field) = std::string(Trimmed(text));
+}
+
+std::string ScriptedToolkit::WDialogGetString(int field) { return Field(field); }
+
+void ScriptedToolkit::WDialogPutReal(int field, double value) { Field(field) = NumberText(value); }
+
+double ScriptedToolkit::WDialogGetReal(int field) { return TextToReal(Field(field)); }
+
+void ScriptedToolkit::WDialogPutInteger(int field, int value) {
+  Field(field) = std::to_string(value);
+}
+
+int ScriptedToolkit::WDialogGetInteger(int field) { return TextToInteger(Field(field)); }
+
+void ScriptedToolkit::WDialogPutCheckBox(int field, int state) {
+  Field(field) = state != 0 ? "1" : "0";
+}
+
+int ScriptedToolkit::WDialogGetCheckBox(int field) { return TextToInteger(Field(field)) != 0; }
+
+void ScriptedToolkit::WDialogPutRadioButton(int field) { Field(field) = "1"; }
+
+int ScriptedToolkit::WDialogGetRadioButton(int firstField, int lastField) {
+  // The last button switched on wins, as when a script turns on another one of the group.
+  int index = 0;
+  for (int field = firstField; field <= lastField; ++field) {
+    if (TextToInteger(Field(field)) != 0) index = field - firstField + 1;
+  }
+  return index;
+}
+
+void ScriptedToolkit::WDialogFieldState(int field, int state) {
+  dialogs_state_[currentDialog_].fieldStates[field] = state;
+}
+
+void ScriptedToolkit::WDialogClearField(int field) { Field(field).clear(); }
+
+void ScriptedToolkit::WGridRows(int grid, int count) { GridOf(grid).rows = count; }
+
+void ScriptedToolkit::WGridLabelRow(int grid, int row, std::string_view text) {
+  GridOf(grid).labels[row] = std::string(text);
+}
+
+void ScriptedToolkit::WGridPutCellString(int grid, int column, int row, std::string_view text) {
+  Cell(grid, column, row) = std::string(Trimmed(text));
+}
+
+std::string ScriptedToolkit::WGridGetCellString(int grid, int column, int row) {
+  return Cell(grid, column, row);
+}
+
+void ScriptedToolkit::WGridPutCellReal(int grid, int column, int row, double value) {
+  Cell(grid, column, row) = NumberText(value);
+}
+
+double ScriptedToolkit::WGridGetCellReal(int grid, int column, int row) {
+  return TextToReal(Cell(grid, column, row));
+}
+
+void ScriptedToolkit::WGridPutCellInteger(int grid, int column, int row, int value) {
+  Cell(grid, column, row) = std::to_string(value);
+}
+
+int ScriptedToolkit::WGridGetCellInteger(int grid, int column, int row) {
+  return TextToInteger(Cell(grid, column, row));
+}
+
+void ScriptedToolkit::WGridPutCellCheckBox(int grid, int column, int row, int state) {
+  Cell(grid, column, row) = state != 0 ? "1" : "0";
+}
+
+int ScriptedToolkit::WGridGetCheckBox(int grid, int column, int row) {
+  return TextToInteger(Cell(grid, column, row)) != 0;
+}
+
+void ScriptedToolkit::WGridInsertRows(int grid, int row, int count) {
+  Grid& g = GridOf(grid);
+  std::map<std::pair<int, int>, std::string> moved;
+  for (auto& [key, value] : g.cells) {
+    auto [column, r] = key;
+    moved[{column, r >= row ? r + count : r}] = std::move(value);
+  }
+  g.cells = std::move(moved);
+  g.rows += count;
+}
+
+void ScriptedToolkit::WGridDeleteRows(int grid, int row, int count) {
+  Grid& g = GridOf(grid);
+  std::map<std::pair<int, int>, std::string> kept;
+  for (auto& [key, value] : g.cells) {
+    auto [column, r] = key;
+    if (r >= row && r < row + count) continue;
+    kept[{column, r >= row + count ? r - count : r}] = std::move(value);
+  }
+  g.cells = std::move(kept);
+  g.rows = std::max(0, g.rows - count);
+}
+
+int ScriptedToolkit::WInfoGrid(int grid, int) { return GridOf(grid).rows; }
+
+void ScriptedToolkit::WSelectFile(std::string_view filter, int flags, std::string& name,
+                                  std::string_view title) {
+  FileSelection selection{std::string(filter), flags, std::string(title), name, ""};
+  if (selections_.empty()) {
+    name = "*" + name;  // Cancel
+  } else {
+    name = std::move(selections_.front());
+    selections_.pop_front();
+  }
+  selection.returned = name;
+  selectionLog_.push_back(std::move(selection));
+}
+
+void ScriptedToolkit::WSelectDir(int flags, std::string& directory, std::string_view title) {
+  WSelectFile("", flags, directory, title);
+}
+
+bool ScriptedToolkit::WSelectColour(int& red, int& green, int& blue) {
+  if (colours_.empty() || !colours_.front()) {
+    if (!colours_.empty()) colours_.pop_front();
+    lastAccepted_ = 0;
+    return false;
+  }
+  const int rgb = *colours_.front();
+  colours_.pop_front();
+  red = (rgb >> 16) & 0xff;
+  green = (rgb >> 8) & 0xff;
+  blue = rgb & 0xff;
+  lastAccepted_ = 1;
+  return true;
+}
+
+void ScriptedToolkit::WMessageBox(int buttons, int icon, int, std::string_view text,
+                                  std::string_view title) {
+  boxes_.push_back(Box{buttons, icon, std::string(title), std::string(text)});
+  if (echo_) {
+    std::fprintf(stderr, "%.*s: %.*s\n", static_cast<int>(title.size()), title.data(),
+                 static_cast<int>(text.size()), text.data());
+  }
+  if (buttons == kButtonsYesNo) {
+    bool yes = false;
+    if (!answers_.empty()) {
+      yes = answers_.front();
+      answers_.pop_front();
+    }
+    lastAccepted_ = yes ? 1 : 0;
+  } else {
+    lastAccepted_ = 1;
+  }
+}
+
+void ScriptedToolkit::Draw(std::string op) { drawing_.push_back(std::move(op)); }
+
+void ScriptedToolkit::IGrSelect(int kind, int id) {
+  Draw("select " + std::to_string(kind) + " " + std::to_string(id));
+}
+
+void ScriptedToolkit::IGrArea(double x1, double y1, double x2, double y2) {
+  Draw("area " + NumberText(x1) + " " + NumberText(y1) + " " + NumberText(x2) + " " +
+       NumberText(y2));
+}
+
+void ScriptedToolkit::IGrUnits(double x1, double y1, double x2, double y2) {
+  Draw("units " + NumberText(x1) + " " + NumberText(y1) + " " + NumberText(x2) + " " +
+       NumberText(y2));
+}
+
+void ScriptedToolkit::IGrColour(std::string_view name) { Draw("colour " + std::string(name)); }
+
+void ScriptedToolkit::IGrColourN(int colour) { Draw("colour " + std::to_string(colour)); }
+
+void ScriptedToolkit::IGrLineType(int type, double width) {
+  Draw("linetype " + std::to_string(type) + " " + NumberText(width));
+}
+
+void ScriptedToolkit::IGrMoveTo(double x, double y) {
+  Draw("move " + NumberText(x) + " " + NumberText(y));
+}
+
+void ScriptedToolkit::IGrLineTo(double x, double y) {
+  Draw("line " + NumberText(x) + " " + NumberText(y));
+}
+
+void ScriptedToolkit::IGrCharOut(double x, double y, std::string_view text) {
+  Draw("text " + NumberText(x) + " " + NumberText(y) + " " + std::string(text));
+}
+
+void ScriptedToolkit::IGrCharDirection(int degrees) {
+  Draw("direction " + std::to_string(degrees));
+}
+
+// The headless screen is a unit square of 1000 by 1000 pixels, y growing downwards.
+void ScriptedToolkit::IGrUnitsFromPixels(int px, int py, double& x, double& y) {
+  x = px / 1000.0;
+  y = 1.0 - py / 1000.0;
+}
+
+void ScriptedToolkit::IGrPixelsFromUnits(double x, double y, int& px, int& py) {
+  px = static_cast<int>(x * 1000.0 + 0.5);
+  py = static_cast<int>((1.0 - y) * 1000.0 + 0.5);
+}
+
+void ScriptedToolkit::IGrAreaClear() { Draw("clear"); }
+
+int ScriptedToolkit::WGrInput(int, double& x, double& y) {
+  // The rubber band ends where the next queued mouse-up says; without one it ends at once.
+  for (auto it = messages_.begin(); it != messages_.end(); ++it) {
+    if (it->type == kMouseButtonUp) {
+      IGrUnitsFromPixels(it->x, it->y, x, y);
+      messages_.erase(it);
+      break;
+    }
+  }
+  return kMouseButtonUp;
+}
+
+void ScriptedToolkit::IGrPlotMode(std::string_view mode) {
+  Draw("plotmode " + std::string(mode));
+}
+
+void ScriptedToolkit::IGrHardcopySelect(int, int driver) {
+  Draw("hardcopy driver " + std::to_string(driver));
+}
+
+void ScriptedToolkit::WHardcopyOptions(int) {
+  lastAccepted_ = 1;
+  lastExitButton_ = kIdOk;
+}
+
+void ScriptedToolkit::IGrHardcopy(std::string_view nameOrStop) {
+  Draw("hardcopy " + std::string(nameOrStop));
+}
+
+void ScriptedToolkit::IGrSaveImage(std::string_view fileName) {
+  Draw("save " + std::string(fileName));
+}
+
+void ScriptedToolkit::WEditLinePut(int line, std::string_view text) {
+  editLines_.push_back(EditLine{selectedWindow_, line, std::string(text)});
+  if (echo_) std::printf("%.*s\n", static_cast<int>(text.size()), text.data());
+}
+
+void ScriptedToolkit::WPrintEditOptions() {
+  lastAccepted_ = 1;
+  lastExitButton_ = kIdOk;
+}
+
+void ScriptedToolkit::IOsCommand(const std::vector<std::string>& arguments, int) {
+  commands_.push_back(arguments);
+  if (arguments.empty() || failingPrograms_.contains(arguments.front())) {
+    lastError_ = kErrorOsCommand;
+  }
+}
+
+void ScriptedToolkit::IOsDirChange(std::string_view directory) {
+  // Recorded only: a test process keeps its own working directory.
+  directoryChanges_.emplace_back(directory);
+}
+
+void ScriptedToolkit::IOsCopyFile(std::string_view from, std::string_view to) {
+  const fs::path source{std::string(Trimmed(from))};
+  const fs::path target{std::string(Trimmed(to))};
+  std::error_code error;
+  bool ok = fs::is_regular_file(source, error) && !WriteProtected(target);
+  if (ok) ok = fs::copy_file(source, target, fs::copy_options::overwrite_existing, error);
+  if (!ok) lastError_ = kErrorOsCommand;
+  fileOperations_.push_back(FileOperation{"copy", source.string(), target.string(), ok});
+}
+
+void ScriptedToolkit::IOsDeleteFile(std::string_view name, int) {
+  const fs::path file{std::string(Trimmed(name))};
+  std::error_code error;
+  const bool ok = fs::remove(file, error) && !error;
+  if (!ok) lastError_ = kErrorOsCommand;
+  fileOperations_.push_back(FileOperation{"delete", file.string(), "", ok});
+}
+
+DateTime ScriptedToolkit::IOsDateTime() {
+  if (fixedTime_) return *fixedTime_;
+  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  std::tm local{};
+  localtime_r(&now, &local);
+  return DateTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                  local.tm_hour,        local.tm_min,     local.tm_sec};
+}
+
+}  // namespace kaldena
