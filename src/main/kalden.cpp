@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "main/commands.h"
+#include "main/fourier_commands.h"
 #include "main/project_commands.h"
 #include "main/tool_commands.h"
 #include "store/record_store.h"
@@ -77,6 +78,15 @@ constexpr Command kCommands[] = {
      "project's .dis file (a .mlt list: all projects into one file); the options replace the "
      "DIST record's values for this run",
      kaldena::DistancesCommand},
+    {"fourier", "kalden fourier PROJECT", "Fourier map and peak search",
+     "sum the Fourier map of the project's Fourier file (FORD map type and levels, FLIM box, "
+     "PTIT title) into BASE.plo and search its peaks into BASE.prm",
+     kaldena::FourierCommand},
+    {"add-peaks", "kalden add-peaks PROJECT [--atom N]", "Fourier peaks into the project",
+     "append every peak of BASE.prm to PROJECT as XYZ lines and list the distances of the "
+     "result into BASE.dis; with --atom N, peak N becomes the last atom of phase 1 and the "
+     "atoms of later phases move on",
+     kaldena::AddPeaksCommand},
     {"new", "kalden new PROJECT.rec [--use-existing]", "a project from defaults",
      "create a project from defaults (one phase \"H\" in P 1, the edit dialogs' default "
      "records) that runs at once as an X-ray pattern calculation; an existing file is left "
