@@ -2,7 +2,8 @@
 # Installs the Debian packages that the build needs; does nothing when all are present.
 set -euo pipefail
 
-packages=(build-essential cmake make libgtest-dev libgmock-dev libbenchmark-dev)
+packages=(build-essential cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev
+          libcairo2-dev libjpeg-dev zlib1g-dev python3 python3-gemmi)
 
 missing=()
 for p in "${packages[@]}"; do
