@@ -104,6 +104,32 @@ TEST(RunEngine, TheStopFlagEndsARefinementAfterItsCycleWithResults) {
   EXPECT_NE(ReadBytes("%stop.par").find("RVAL"), std::string::npos);
 }
 
+TEST(RunEngine, ACutOfZeroRunsEveryCycle) {
+  Workspace w;
+  w.WriteRefinement("all.rec");
+  std::string text = ReadBytes("all.rec");
+  text.replace(text.find("RELX          2 0.30"), 20, "RELX          3 0.00");
+  std::ofstream("all.rec") << text;
+  RecordingReporter reporter;
+  ASSERT_EQ(RunFile("all.rec", reporter).status, 0);
+  EXPECT_NE(ReadBytes("%all.out").find("CYCLE   3"), std::string::npos);
+}
+
+TEST(RunEngine, AFailedInputLeavesAnEarlierParameterFileByteForByte) {
+  Workspace w;
+  w.WriteRefinement("keep.rec");
+  RecordingReporter reporter;
+  ASSERT_EQ(RunFile("keep.rec", reporter).status, 0);
+  const std::string par = ReadBytes("%keep.par");
+  std::string text = ReadBytes("keep.rec");
+  text.erase(text.find("CELL"), text.find('\n', text.find("CELL")) - text.find("CELL") + 1);
+  std::ofstream("keep.rec") << text;
+  EXPECT_EQ(RunFile("keep.rec", reporter).status, 1);
+  EXPECT_EQ(ReadBytes("%keep.par"), par);
+  EXPECT_EQ(ReadBytes("keep.rec"), text);
+  EXPECT_NE(ReadBytes("%keep.out").find(" CELL record missing"), std::string::npos);
+}
+
 TEST(RunEngine, AFailureLeavesProjectAndParameterFileAlone) {
   Workspace w;
   RecordingReporter reporter;
