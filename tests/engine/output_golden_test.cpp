@@ -25,8 +25,16 @@ TEST_P(OutputGolden, FilesMatch) {
   for (const char* file : {"pattern.xy", "pattern.epf"}) {
     fs::copy_file(TestData(std::string("engine/input/") + file), dir.Path() / file);
   }
-  std::string project = ReadBytes(TestData("engine/input/" + name + ".rec"));
-  if (name == "refinement") project = ReadBytes(TestData("engine/output/refinement.rec"));
+  std::string project;
+  if (name == "refinement") {
+    project = ReadBytes(TestData("engine/output/refinement.rec"));
+  } else if (name == "corundum") {
+    // The example project that the README runs.
+    project = ReadBytes(TestData("../../examples/corundum/corundum.rec"));
+    fs::copy_file(TestData("../../examples/corundum/corundum.xy"), dir.Path() / "corundum.xy");
+  } else {
+    project = ReadBytes(TestData("engine/input/" + name + ".rec"));
+  }
   dir.Write(name + ".rec", project);
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
@@ -35,7 +43,7 @@ TEST_P(OutputGolden, FilesMatch) {
   fs::current_path(old);
   ASSERT_EQ(status, 0);
   std::vector<std::string> extensions = {".out", ".sum", ".fou"};
-  if (name == "refinement") extensions.push_back(".par");  // a refinement's new project
+  if (name == "refinement" || name == "corundum") extensions.push_back(".par");
   for (const std::string& extension : extensions) {
     const std::string actual = ReadBytes(dir.Path() / ("%" + name + extension));
     const fs::path golden = TestData("engine/output/" + name + extension);
@@ -45,7 +53,7 @@ TEST_P(OutputGolden, FilesMatch) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, OutputGolden,
-                         ::testing::Values("calculation", "comparison", "refinement"));
+                         ::testing::Values("calculation", "comparison", "refinement", "corundum"));
 
 }  // namespace
 }  // namespace kaldena
