@@ -104,6 +104,18 @@ TEST(RunEngine, TheStopFlagEndsARefinementAfterItsCycleWithResults) {
   EXPECT_NE(ReadBytes("%stop.par").find("RVAL"), std::string::npos);
 }
 
+TEST(RunEngine, AParameterWithoutDerivativeStopsTheCycles) {
+  Workspace w;
+  w.WriteRefinement("zero.rec");
+  // The right-side widths act only in the split profile: here nothing depends on them.
+  std::ofstream("zero.rec", std::ios::app)
+      << "CHWT           0.000     0.000     0.000     1.000     0.000     0.000\n";
+  RecordingReporter reporter;
+  EXPECT_EQ(RunFile("zero.rec", reporter).status, 1);
+  EXPECT_NE(ReadBytes("%zero.out").find(" Zero derivative for  RIGHT U PHASE 1"), std::string::npos);
+  EXPECT_FALSE(fs::exists("%zero.par"));
+}
+
 TEST(RunEngine, ACutOfZeroRunsEveryCycle) {
   Workspace w;
   w.WriteRefinement("all.rec");
