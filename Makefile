@@ -1,4 +1,4 @@
-# Front door: `make run` builds and runs the command-line tool, `make test` runs the suite.
+# Front door: `make run` builds and refines the example project, `make test` runs the suite.
 BUILD ?= build
 JOBS  ?= $(shell nproc)
 
@@ -15,8 +15,12 @@ configure: deps
 build: configure
 	@cmake --build $(BUILD) -j $(JOBS)
 
+# Refines the corundum example in a copy under the build directory, so the sources stay clean.
 run: build
-	$(BUILD)/bin/kalden help
+	@mkdir -p $(BUILD)/example
+	@cp examples/corundum/corundum.rec examples/corundum/corundum.xy $(BUILD)/example/
+	@cd $(BUILD)/example && ../bin/kalden run corundum.rec
+	@echo "Results in $(BUILD)/example: %corundum.out (list file), %corundum.par (refined project)"
 
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
