@@ -15,13 +15,6 @@
 
 namespace {
 
-class SilentReporter : public kaldena::Reporter {
- public:
-  void LogLine(std::string_view) override {}
-  void ShowMessage(std::string_view, std::string_view) override {}
-  bool AskYesNo(std::string_view, std::string_view) override { return false; }
-};
-
 const std::filesystem::path& ScratchDirectory() {
   static const std::filesystem::path dir = [] {
     auto path = std::filesystem::temp_directory_path() /
@@ -42,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     std::ofstream out(project, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
   }
-  SilentReporter reporter;
+  kaldena::SilentReporter reporter;
   kaldena::RecordStore store(reporter);
   kaldena::EngineState state;
   const std::atomic<bool> stop{false};

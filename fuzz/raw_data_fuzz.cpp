@@ -12,13 +12,6 @@
 
 namespace {
 
-class SilentReporter : public kaldena::Reporter {
- public:
-  void LogLine(std::string_view) override {}
-  void ShowMessage(std::string_view, std::string_view) override {}
-  bool AskYesNo(std::string_view, std::string_view) override { return false; }
-};
-
 const std::string& ScratchFile() {
   static const std::string path =
       (std::filesystem::temp_directory_path() / ("kaldena-raw-fuzz-" + std::to_string(getpid())))
@@ -34,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
   }
-  SilentReporter reporter;
+  kaldena::SilentReporter reporter;
   for (int format = 0; format <= 10; ++format) {
     for (int sides = 0; sides < 2; ++sides) {
       kaldena::RawDataRequest request;

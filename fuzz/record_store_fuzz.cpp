@@ -31,13 +31,6 @@ constexpr const char* kLayouts[] = {"(8I5)",
                                     "(5E14.7)",
                                     "(a)"};
 
-class SilentReporter : public kaldena::Reporter {
- public:
-  void LogLine(std::string_view) override {}
-  void ShowMessage(std::string_view, std::string_view) override {}
-  bool AskYesNo(std::string_view, std::string_view) override { return false; }
-};
-
 void ReadWithLayouts(const std::string& data) {
   int i[8];
   float f[8];
@@ -56,7 +49,7 @@ void ReadWithLayouts(const std::string& data) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   const std::string text(reinterpret_cast<const char*>(bytes), size);
-  SilentReporter reporter;
+  kaldena::SilentReporter reporter;
   kaldena::RecordStore store(reporter);
   std::istringstream in(text);
   store.jReadRecUnit(in);

@@ -1,30 +1,17 @@
 // kalden table: the printable result table of a project or of a .mlt list of projects.
 #include <cstdio>
-#include <ctime>
 #include <string>
 #include <vector>
 
 #include "main/commands.h"
 #include "tools/table.h"
+#include "util/date_text.h"
 #include "util/report.h"
 
 namespace kaldena {
 
-namespace {
-
-std::string Today() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[11];
-  std::strftime(text, sizeof text, "%Y-%m-%d", &local);
-  return text;
-}
-
-}  // namespace
-
 int TableCommand(const std::vector<std::string>& args) {
-  std::string project, date = Today();
+  std::string project, date = TodayText();
   for (size_t i = 0; i < args.size(); ++i) {
     if (args[i] == "--date" && i + 1 < args.size()) {
       date = args[++i];

@@ -6,18 +6,6 @@ namespace kaldena {
 
 namespace {
 
-std::vector<std::string> SplitLines(const std::string& text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    lines.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
-}
-
 std::string KeyField(std::string_view key) {
   std::string field(key.substr(0, kRecordKeyLength));
   field.resize(10, ' ');
@@ -27,15 +15,17 @@ std::string KeyField(std::string_view key) {
 }  // namespace
 
 Record LayoutRecord(std::string_view layout, std::span<const FormatArg> args) {
-  std::vector<std::string> lines = SplitLines(WriteFormatted(layout, args));
-  return PadRecord(lines.empty() ? std::string() : lines.front());
+  const std::string text = WriteFormatted(layout, args);
+  const std::vector<std::string_view> lines = SplitLines(text);
+  return PadRecord(lines.empty() ? std::string_view() : lines.front());
 }
 
 std::vector<Record> MakeRecords(std::string_view key, std::string_view layout,
                                 std::span<const FormatArg> args) {
   std::vector<Record> records;
-  for (const std::string& line : SplitLines(WriteFormatted(layout, args))) {
-    records.push_back(PadRecord(KeyField(key) + line));
+  const std::string text = WriteFormatted(layout, args);
+  for (std::string_view line : SplitLines(text)) {
+    records.push_back(PadRecord(KeyField(key) + std::string(line)));
   }
   return records;
 }

@@ -1,13 +1,13 @@
 #include "tools/distances.h"
 
 #include <cstdio>
-#include <ctime>
 #include <fstream>
 #include <memory>
 
 #include "crystal/space_group.h"
 #include "tools/distance_listing.h"
 #include "util/column_format.h"
+#include "util/date_text.h"
 #include "util/file_names.h"
 #include "util/limits.h"
 #include "util/text.h"
@@ -15,15 +15,6 @@
 namespace kaldena {
 
 namespace {
-
-std::string TodayText() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[16];
-  std::strftime(text, sizeof text, "%Y-%m-%d", &local);
-  return text;
-}
 
 // The unformatted scratch file of one phase: a file of the system's own in its temp
 // directory, gone when closed.

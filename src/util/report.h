@@ -37,6 +37,14 @@ class ConsoleReporter : public Reporter {
   bool answer_;
 };
 
+// A reporter that drops everything and answers No: for fuzzing and benchmarks.
+class SilentReporter : public Reporter {
+ public:
+  void LogLine(std::string_view) override {}
+  void ShowMessage(std::string_view, std::string_view) override {}
+  bool AskYesNo(std::string_view, std::string_view) override { return false; }
+};
+
 // Reporter for tests: keeps everything it is told, answers questions from a queue
 // (false when the queue is empty).
 class RecordingReporter : public Reporter {

@@ -15,6 +15,7 @@
 
 #include "engine/run_engine.h"
 #include "support/test_files.h"
+#include "util/text.h"
 #include "util/report.h"
 
 namespace kaldena {
@@ -78,15 +79,8 @@ const DistanceRecord* WithCode(const std::vector<DistanceRecord>& records, int c
 }
 
 std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    lines.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
+  const std::vector<std::string_view> views = SplitLines(text);
+  return std::vector<std::string>(views.begin(), views.end());
 }
 
 bool HasLine(const std::vector<std::string>& lines, const std::string& line) {
