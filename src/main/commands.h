@@ -13,5 +13,6 @@ int RawDataCommand(const std::vector<std::string>& args);
 int RunCommand(const std::vector<std::string>& args);
 int UpdateCommand(const std::vector<std::string>& args);
 int TableCommand(const std::vector<std::string>& args);
+int CrystallinityCommand(const std::vector<std::string>& args);
 
 }  // namespace kaldena

@@ -70,6 +70,12 @@ constexpr Command kCommands[] = {
      "atoms and every esd, global results, extracted intensities) beside it with the extension "
      ".tab; a .mlt list gives one table of all its projects",
      kaldena::TableCommand},
+    {"crystallinity", "kalden crystallinity PROJECT [--min 2THETA] [--max 2THETA]",
+     "crystalline fraction of a finished run",
+     "the share of the observed scattering above the background in the project's summary "
+     "file, s-weighted and unweighted, between the limits (default those of the CRYS record); "
+     "the limits and results are written into the project as CRYS",
+     kaldena::CrystallinityCommand},
     {"distances",
      "kalden distances PROJECT|LIST.mlt [--out FILE] [--min D] [--max D] [--angle-min D] "
      "[--angle-max D] [--extended] [--no-angles] [--date YYYY-MM-DD]",
