@@ -68,7 +68,9 @@ bool ReadWavelengths(InputRecords& in, EngineState& state) {
 }
 
 void ListCorrection(ListFile& list, std::string_view label, float value) {
-  if (value != 0) list.Line(FormatLine("(1X,A41,'= ',F10.4)", label, value));
+  std::string padded(label);
+  padded.resize(41, ' ');  // an A field right-justifies a shorter text
+  if (value != 0) list.Line(FormatLine("(1X,A41,'= ',F10.4)", padded, value));
 }
 
 bool ReadLimits(InputRecords& in, EngineState& state, Reporter& reporter) {

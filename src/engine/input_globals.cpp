@@ -23,7 +23,9 @@ void ReadGlobalRow(InputRecords& in, EngineState& state, std::string_view key,
 }
 
 void ListGlobal(ListFile& list, std::string_view label, const Refinable& value) {
-  list.Line(FormatLine("(1X,A24,F12.5,F10.2)", label, value.value, value.fraction));
+  std::string padded(label);
+  padded.resize(24, ' ');  // an A field right-justifies a shorter text
+  list.Line(FormatLine("(1X,A24,F12.5,F10.2)", padded, value.value, value.fraction));
 }
 
 void ReadShiftsAndAsymmetry(InputRecords& in, EngineState& state) {

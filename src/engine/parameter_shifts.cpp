@@ -66,7 +66,9 @@ void ListAtom(const Atom& atom, const AtomShifts& s, ListFile& list) {
 
 void ListValue(ListFile& list, std::string_view label, float value, const Shifted& s,
                std::string_view format = "(A32,F14.6,F12.6,F8.2)") {
-  list.Line(FormatLine(format, label, value, s.esd, s.ratio));
+  std::string padded(label);
+  padded.resize(32, ' ');  // an A field right-justifies a shorter text
+  list.Line(FormatLine(format, padded, value, s.esd, s.ratio));
 }
 
 using PhaseShifts = std::array<Shifted, kPhaseSlots>;
