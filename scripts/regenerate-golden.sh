@@ -28,3 +28,6 @@ KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_distances
 # Fourier plot and peak files of the small example.
 KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_fourier_files_test" \
   > /dev/null
+
+# CIF and raw data report of the refined corundum example.
+KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_cif_writer_test" > /dev/null

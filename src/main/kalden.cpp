@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "main/cif_commands.h"
 #include "main/commands.h"
 #include "main/fourier_commands.h"
 #include "main/project_commands.h"
@@ -84,6 +85,15 @@ constexpr Command kCommands[] = {
      "project's .dis file (a .mlt list: all projects into one file); the options replace the "
      "DIST record's values for this run",
      kaldena::DistancesCommand},
+    {"cif", "kalden cif PROJECT [--date YYYY-MM-DD]", "the CIF of a refined project",
+     "write the CIF of a refined project beside it with the extension .cif: a global block "
+     "(experiment and refinement), one block per phase (symmetry, cell, atom sites, "
+     "anisotropic displacements) and the bond and angle loops of the distance search",
+     kaldena::CifCommand},
+    {"cif-raw", "kalden cif-raw PROJECT", "the CIF raw data report (.rcf)",
+     "write the observed and calculated pattern of the project's summary file, with the "
+     "weight of each point, as a small CIF beside the project with the extension .rcf",
+     kaldena::CifRawCommand},
     {"fourier", "kalden fourier PROJECT", "Fourier map and peak search",
      "sum the Fourier map of the project's Fourier file (FORD map type and levels, FLIM box, "
      "PTIT title) into BASE.plo and search its peaks into BASE.prm",

@@ -1,0 +1,16 @@
+// The commands of kalden that write CIF files of a refined project: each takes the arguments
+// behind its name and returns the exit code (0 success, 1 failure).
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kaldena {
+
+// kalden cif PROJECT [--date YYYY-MM-DD]: the CIF beside the project (base + ".cif").
+int CifCommand(const std::vector<std::string>& args);
+
+// kalden cif-raw PROJECT: the raw data report beside the project (base + ".rcf").
+int CifRawCommand(const std::vector<std::string>& args);
+
+}  // namespace kaldena
