@@ -103,10 +103,12 @@ constexpr Command kCommands[] = {
      "result into BASE.dis; with --atom N, peak N becomes the last atom of phase 1 and the "
      "atoms of later phases move on",
      kaldena::AddPeaksCommand},
-    {"new", "kalden new PROJECT.rec [--use-existing]", "a project from defaults",
+    {"new", "kalden new PROJECT.rec [--use-existing] [--from-cif FILE.cif]",
+     "a project from defaults or from a CIF",
      "create a project from defaults (one phase \"H\" in P 1, the edit dialogs' default "
-     "records) that runs at once as an X-ray pattern calculation; an existing file is left "
-     "alone unless --use-existing, which adds the default phase behind what is there",
+     "records), or with the phase of a CIF, that runs at once as an X-ray pattern "
+     "calculation; an existing file is left alone unless --use-existing, which adds the new "
+     "phase behind what is there",
      kaldena::NewCommand},
     {"backup", "kalden backup PROJECT", "working copy to BASE.bck",
      "copy the project's parameter file (PWPR, or BASE.par) to BASE.bck beside the project, "

@@ -1,9 +1,11 @@
 // kalden new, backup and restore: the shell's project commands driven through the headless
 // toolkit, which prints log lines to standard output and boxes to standard error.
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include "main/cif_import_commands.h"
 #include "main/project_commands.h"
 #include "shell/project_lifecycle.h"
 #include "shell/shell_state.h"
@@ -28,7 +30,10 @@ struct CommandShell {
 }  // namespace
 
 int NewCommand(const std::vector<std::string>& args) {
-  constexpr const char* kUsage = "kalden new PROJECT.rec [--use-existing]";
+  if (std::find(args.begin(), args.end(), "--from-cif") != args.end()) {
+    return NewFromCifCommand(args);
+  }
+  constexpr const char* kUsage = "kalden new PROJECT.rec [--use-existing] [--from-cif FILE.cif]";
   std::string name;
   bool useExisting = false;
   for (const std::string& arg : args) {

@@ -143,8 +143,8 @@ std::vector<Record> PhaseBlock(const NewPhase& phase) {
   for (const NewAtom& atom : phase.atoms) {
     const auto& v = atom.values;
     block.push_back(
-        Line("XYZ ", "(a4,3x,i3,5f10.5)", Name4(atom.name), atom.type, v[0], v[1], v[2], v[3],
-             v[4]));
+        Line("XYZ ", "(a4,3x,i3,5f10.5,i3)", Name4(atom.name), atom.type, v[0], v[1], v[2], v[3],
+             v[4], atom.siteFactor));
     if (phase.fromCif) {
       const auto& s = atom.valueSd;
       block.push_back(
@@ -264,7 +264,7 @@ bool AddNewProjectRecords(const std::string& parameterFile, const std::string& b
   std::vector<Record> newTypes;
   for (const NewAtom& atom : phase.atoms) {
     while (types < std::min(atom.type, kMaxAtomTypes)) {
-      newTypes.push_back(AtomTypeLine(atom.name));
+      newTypes.push_back(AtomTypeLine(atom.element.empty() ? atom.name : atom.element));
       ++types;
     }
   }

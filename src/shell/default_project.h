@@ -19,6 +19,8 @@ struct NewAtom {
   std::array<float, 6> beta{};            // b11, b22, b33, b12, b13, b23
   std::array<float, 5> valueSd{};         // from a CIF
   std::array<float, 6> betaSd{};
+  int siteFactor = 1;   // operators that map the site onto itself
+  std::string element;  // symbol of the atom type, when it is not the name's beginning
 };
 
 struct NewPhase {
