@@ -20,7 +20,8 @@ run: build
 	@mkdir -p $(BUILD)/example
 	@cp examples/corundum/corundum.rec examples/corundum/corundum.xy $(BUILD)/example/
 	@cd $(BUILD)/example && ../bin/kalden run corundum.rec
-	@echo "Results in $(BUILD)/example: %corundum.out (list file), %corundum.par (refined project)"
+	@cd $(BUILD)/example && ../bin/kalden plot corundum.rec --out corundum.png
+	@echo "Results in $(BUILD)/example: %corundum.out (list file), %corundum.par (refined project), corundum.png (plot)"
 
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)

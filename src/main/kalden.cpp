@@ -8,6 +8,7 @@
 #include "main/cif_commands.h"
 #include "main/commands.h"
 #include "main/fourier_commands.h"
+#include "main/plot_commands.h"
 #include "main/project_commands.h"
 #include "main/tool_commands.h"
 #include "store/record_store.h"
@@ -94,6 +95,15 @@ constexpr Command kCommands[] = {
      "write the observed and calculated pattern of the project's summary file, with the "
      "weight of each point, as a small CIF beside the project with the extension .rcf",
      kaldena::CifRawCommand},
+    {"plot",
+     "kalden plot PROJECT --out FILE.(png|svg|pdf|eps|jpg|bmp) [--halfwidths] "
+     "[--fourier AXIS SECTION] [--range 2THETA1 2THETA2]",
+     "pattern, halfwidth or Fourier contour plot into a file",
+     "draw the pattern plot of the project's summary and Fourier files (observed, calculated, "
+     "difference, background, Bragg ticks, residuals) into a PNG, SVG, PDF, EPS, JPG or BMP "
+     "file; --halfwidths draws the halfwidth and peak-shape curves, --fourier X|Y|Z N the "
+     "contours of section N of BASE.plo, --range the two-theta range shown",
+     kaldena::PlotCommand},
     {"fourier", "kalden fourier PROJECT", "Fourier map and peak search",
      "sum the Fourier map of the project's Fourier file (FORD map type and levels, FLIM box, "
      "PTIT title) into BASE.plo and search its peaks into BASE.prm",
