@@ -131,10 +131,14 @@ bool RedrawPlot(ShellContext& shell, int argument) {
 // --- Outside programs
 
 void StartEditor(ShellContext& shell, const std::string& fileName) {
+  StartEditor(shell.state, shell.toolkit, fileName);
+}
+
+void StartEditor(ShellState& state, Toolkit& toolkit, const std::string& fileName) {
   const std::string file = TrimmedText(fileName);
   if (file.empty()) return;
   // A program that does not start is the toolkit's to report.
-  StartProgram(shell.toolkit, {TrimmedText(shell.state.preferences.editorPath), file});
+  StartProgram(toolkit, {TrimmedText(state.preferences.editorPath), file});
 }
 
 void ViewRawData(ShellContext& shell) {

@@ -47,6 +47,7 @@ bool RedrawPlot(ShellContext& shell, int argument);
 // Outside programs, started without waiting and without a shell.
 // The editor on a file; nothing for a blank name.
 void StartEditor(ShellContext& shell, const std::string& fileName);
+void StartEditor(ShellState& state, Toolkit& toolkit, const std::string& fileName);
 // "View rawdata": the raw-data viewer, and the editor when the viewer does not start. Nothing
 // without a PWDT record.
 void ViewRawData(ShellContext& shell);

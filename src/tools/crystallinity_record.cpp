@@ -11,16 +11,8 @@
 
 namespace kaldena {
 
-namespace {
-
-struct ProjectInputs {
-  std::string summary;
-  CrystallinityLimits limits;
-  std::array<float, 4> record{};  // CRYS as it stands
-};
-
-// Wavelength, excluded regions, summary name and the CRYS limits of the project.
-bool ReadInputs(const std::string& project, Reporter& reporter, ProjectInputs& in) {
+bool ReadCrystallinityInputs(const std::string& project, Reporter& reporter,
+                             CrystallinityInputs& in) {
   RecordStore store(reporter);
   if (store.jReadRecFile(project) < 1) return false;
   std::string data;
@@ -32,7 +24,7 @@ bool ReadInputs(const std::string& project, Reporter& reporter, ProjectInputs& i
     Read(data, "(2f10.0)", region[0], region[1]);
     in.limits.excludedRegions.push_back(region);
   }
-  auto& k = in.record;
+  std::array<float, 4> k{};
   if (store.jFindRec("CRYS", data) == 1) Read(data, "(4f10.0)", k[0], k[1], k[2], k[3]);
   in.limits.minimum = k[0];
   in.limits.maximum = k[1];
@@ -42,11 +34,17 @@ bool ReadInputs(const std::string& project, Reporter& reporter, ProjectInputs& i
   return true;
 }
 
-}  // namespace
+void WriteCrystallinityRecord(const std::string& project, const CrystallinityLimits& limits,
+                              const Crystallinity& result, Reporter& reporter) {
+  const std::vector<Record> records = {MakeRecord("CRYS", "4f10.2", limits.minimum, limits.maximum,
+                                                  result.sWeighted, result.unweighted)};
+  RecordStore store(reporter);
+  if (store.jUpdateRec(project, records) == 0) store.jAddRec(project, records);
+}
 
 Crystallinity RunCrystallinity(const CrystallinityRequest& request, Reporter& reporter) {
-  ProjectInputs in;
-  if (!ReadInputs(request.project, reporter, in)) {
+  CrystallinityInputs in;
+  if (!ReadCrystallinityInputs(request.project, reporter, in)) {
     reporter.LogLine("Error opening or reading " + request.project);
     return {CrystallinityStatus::kNoSummary};
   }
@@ -59,11 +57,7 @@ Crystallinity RunCrystallinity(const CrystallinityRequest& request, Reporter& re
                          : "Error reading " + in.summary);
     return result;
   }
-  const Record record = MakeRecord("CRYS", "4f10.2", in.limits.minimum, in.limits.maximum,
-                                   result.sWeighted, result.unweighted);
-  RecordStore store(reporter);
-  const std::vector<Record> records = {record};
-  if (store.jUpdateRec(request.project, records) == 0) store.jAddRec(request.project, records);
+  WriteCrystallinityRecord(request.project, in.limits, result, reporter);
   reporter.LogLine(FormatLine("('Crystallinity s-weighted:',f8.2,' %   unweighted:',f8.2,' %')",
                               result.sWeighted, result.unweighted));
   return result;

@@ -1,0 +1,16 @@
+// The tools' commands as the menus start them, for the routine slots of the menu table, and
+// the CIF import of "New project from CIF".
+#pragma once
+
+#include "shell/menu_dispatch.h"
+
+namespace kaldena {
+
+// CIF, CIF raw data report, the crystallinity dialog, the peak grid of "Add atoms" and the
+// structure viewer's CIF; the slots of the plots and edit dialogs stay empty.
+ShellRoutines ToolRoutines();
+
+// The hooks of the lifecycle that the tools serve: the CIF import of a new project.
+void InstallToolHooks(ShellState& state);
+
+}  // namespace kaldena

@@ -1,0 +1,91 @@
+// The tools started from the menus with their dialogs: crystallinity, the peak grid of
+// "Add atoms", the CIF and the CIF report of the pattern.
+#include "shell/tool_routines.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "shell/crystallinity_dialog.h"
+#include "shell/peak_dialog.h"
+#include "shell/project_lifecycle.h"
+#include "support/test_files.h"
+#include "toolkit/headless_toolkit.h"
+
+namespace kaldena {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The corundum example with its file records, opened and refined through the menus.
+struct Session {
+  Session() {
+    dir.Write("corundum.rec",
+              testing::ReadBytes(testing::TestData("../../examples/corundum/corundum.rec")) +
+                  "PWPR      corundum.par\nPWUT      corundum.out\nPWSM      corundum.sum\n"
+                  "PWFO      corundum.fou\n");
+    fs::copy_file(testing::TestData("../../examples/corundum/corundum.xy"), dir.Path() / "corundum.xy");
+    toolkit.WindowOpen(39, 20, 20, 800, 500, 30001, "KALDENA");
+    state.logWindow = toolkit.WindowOpenChild(256, 20, 600, 800, 250, "KALDENA Log");
+    state.preferences.editorPath = "editor";
+    state.recentProjects[0] = (dir.Path() / "corundum.rec").string();
+    InstallToolHooks(state);
+    OpenProject(state, toolkit, 1);
+    DispatchMenu(shell, menu::kRunProject);
+  }
+  std::string Read(const std::string& name) const { return testing::ReadBytes(dir.Path() / name); }
+  bool Logged(std::string_view line) const {
+    const auto lines = toolkit.WindowText(state.logWindow);
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  }
+
+  testing::ScratchDir dir;
+  ScriptedToolkit toolkit;
+  ShellState state;
+  ShellRoutines routines = ToolRoutines();
+  ShellContext shell{state, toolkit, routines};
+};
+
+TEST(ToolRoutines, CrystallinityDialogKeepsItsLimitsAndResults) {
+  Session s;
+  ASSERT_FALSE(s.Logged("Refinement interupted"));
+  s.toolkit.QueueDialog({kCrystallinityDialog,
+                         {{kCrystallinityMinimum, "20"}, {kCrystallinityMaximum, "80"}},
+                         {kCrystallinityCalculate, kIdOk}});
+  DispatchMenu(s.shell, menu::kCrystallinity);
+  const std::string par = s.Read("corundum.par");
+  ASSERT_NE(par.find("CRYS           20.00     80.00"), std::string::npos);
+  // Cancel keeps the record as it stands.
+  s.toolkit.QueueDialog({kCrystallinityDialog, {{kCrystallinityMinimum, "30"}}, {kIdCancel}});
+  DispatchMenu(s.shell, menu::kCrystallinity);
+  EXPECT_EQ(s.Read("corundum.par"), par);
+}
+
+TEST(ToolRoutines, AChosenPeakBecomesAnAtomOfPhaseOne) {
+  Session s;
+  DispatchMenu(s.shell, menu::kFourierCalculation);
+  ASSERT_TRUE(fs::exists(s.dir.Path() / "corundum.prm"));
+  s.toolkit.QueueDialog({kPeakDialog, {{kPeakChosenRow, "2"}}, {kPeakAdd}});
+  DispatchMenu(s.shell, menu::kAddAtoms);
+  EXPECT_TRUE(s.Logged("One atom added to phase 1"));
+  EXPECT_NE(s.Read("corundum.par").find("PHNA          3"), std::string::npos);
+  // Cancel adds nothing.
+  const std::string par = s.Read("corundum.par");
+  s.toolkit.QueueDialog({kPeakDialog, {}, {kIdCancel}});
+  DispatchMenu(s.shell, menu::kAddAtoms);
+  EXPECT_EQ(s.Read("corundum.par"), par);
+}
+
+TEST(ToolRoutines, CifAndRawReportAreWrittenAndShown) {
+  Session s;
+  DispatchMenu(s.shell, menu::kCif);
+  EXPECT_NE(s.Read("corundum.cif").find("_cell_length_a"), std::string::npos);
+  DispatchMenu(s.shell, menu::kCifRawReport);
+  EXPECT_TRUE(fs::exists(s.dir.Path() / "corundum.rcf"));
+  ASSERT_GE(s.toolkit.Commands().size(), 2u);
+  EXPECT_TRUE(s.toolkit.Commands()[0][1].ends_with("corundum.cif"));
+  EXPECT_TRUE(s.toolkit.Commands()[1][1].ends_with("corundum.rcf"));
+}
+
+}  // namespace
+}  // namespace kaldena
