@@ -8,6 +8,7 @@
 #include "shell/preferences.h"
 #include "shell/project_lifecycle.h"
 #include "shell/shell_services.h"
+#include "shell/tool_routines.h"
 #include "util/file_names.h"
 
 namespace kaldena {
@@ -48,6 +49,7 @@ void StartUp(ShellContext& shell) {
   if (!state.programDir.empty()) toolkit.IOsDirChange(state.programDir);
   ReadPreferences(state, toolkit);
 
+  InstallToolHooks(state);
   state.debugMode = 0;
   state.frameColour = 0;
   state.reloadPlotData = 1;
