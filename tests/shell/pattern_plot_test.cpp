@@ -12,6 +12,7 @@
 #include <fstream>
 
 #include "engine/run_engine.h"
+#include "support/refined_example.h"
 #include "support/test_files.h"
 #include "toolkit/cairo_canvas.h"
 
@@ -133,15 +134,7 @@ TEST(PatternPlot, LongSummariesStopAtTheLimitAndScalesFollowTheRange) {
 class RefinedCorundum : public ::testing::Test {
  protected:
   void SetUp() override {
-    const fs::path examples = testing::TestData("../../examples/corundum");
-    for (const char* file : {"corundum.rec", "corundum.xy"}) {
-      fs::copy_file(examples / file, dir.Path() / file);
-    }
-    const fs::path old = fs::current_path();
-    fs::current_path(dir.Path());
-    RecordingReporter reporter;
-    ok = RunEngine({"corundum.rec", false, nullptr}, reporter).status == 0;
-    fs::current_path(old);
+    ok = testing::RefineExample(dir);
     sources.parameterFile = (dir.Path() / "%corundum.par").string();
     sources.summaryFile = (dir.Path() / "%corundum.sum").string();
     sources.fourierFile = (dir.Path() / "%corundum.fou").string();

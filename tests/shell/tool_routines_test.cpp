@@ -20,11 +20,11 @@ namespace fs = std::filesystem;
 // The corundum example with its file records, opened and refined through the menus.
 struct Session {
   Session() {
-    dir.Write("corundum.rec",
-              testing::ReadBytes(testing::TestData("../../examples/corundum/corundum.rec")) +
-                  "PWPR      corundum.par\nPWUT      corundum.out\nPWSM      corundum.sum\n"
-                  "PWFO      corundum.fou\n");
-    fs::copy_file(testing::TestData("../../examples/corundum/corundum.xy"), dir.Path() / "corundum.xy");
+    const fs::path example = testing::TestData("../../examples/corundum");
+    dir.Write("corundum.rec", testing::ReadBytes(example / "corundum.rec") +
+                                  "PWPR      corundum.par\nPWUT      corundum.out\n"
+                                  "PWSM      corundum.sum\nPWFO      corundum.fou\n");
+    fs::copy_file(example / "corundum.xy", dir.Path() / "corundum.xy");
     toolkit.WindowOpen(39, 20, 20, 800, 500, 30001, "KALDENA");
     state.logWindow = toolkit.WindowOpenChild(256, 20, 600, 800, 250, "KALDENA Log");
     state.preferences.editorPath = "editor";

@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "engine/run_engine.h"
+#include "support/refined_example.h"
 #include "support/test_files.h"
 #include "tools/cif_raw_report.h"
 #include "tools/cif_text.h"
@@ -98,15 +99,7 @@ TEST(CifText, TextStaysOneValue) {
 class RefinedCorundum : public ::testing::Test {
  protected:
   void SetUp() override {
-    const fs::path examples = testing::TestData("../../examples/corundum");
-    for (const char* file : {"corundum.rec", "corundum.xy"}) {
-      fs::copy_file(examples / file, dir.Path() / file);
-    }
-    const fs::path old = fs::current_path();
-    fs::current_path(dir.Path());
-    RecordingReporter reporter;
-    ok = RunEngine({"corundum.rec", false, nullptr}, reporter).status == 0;
-    fs::current_path(old);
+    ok = testing::RefineExample(dir);
     project = (dir.Path() / "%corundum.par").string();
   }
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "engine/run_engine.h"
+#include "support/refined_example.h"
 #include "support/test_files.h"
 
 namespace kaldena {
@@ -16,15 +17,8 @@ namespace fs = std::filesystem;
 
 TEST(CrystallinityRecord, WritesLimitsAndResultsAndReusesTheLimits) {
   testing::ScratchDir dir;
-  for (const char* file : {"corundum.rec", "corundum.xy"}) {
-    fs::copy_file(testing::TestData(std::string("../../examples/corundum/") + file), dir.Path() / file);
-  }
-  const fs::path old = fs::current_path();
-  fs::current_path(dir.Path());
+  ASSERT_TRUE(testing::RefineExample(dir));
   RecordingReporter reporter;
-  const bool ran = RunEngine({"corundum.rec", false, nullptr}, reporter).status == 0;
-  fs::current_path(old);
-  ASSERT_TRUE(ran);
   const std::string project = (dir.Path() / "corundum.rec").string();
   const Crystallinity first = RunCrystallinity({project, 20.0f, 80.0f}, reporter);
   ASSERT_EQ(first.status, CrystallinityStatus::kOk);

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "engine/run_engine.h"
+#include "support/refined_example.h"
 #include "support/test_files.h"
 #include "util/text.h"
 #include "util/report.h"
@@ -488,16 +489,8 @@ TEST(Distances, ProjectListAndPhases) {
 // The example project refined, taken over as the project, and listed as the menu would.
 TEST(Distances, RefinedCorundumGolden) {
   ScratchDir dir;
-  const fs::path example = TestData("../../examples/corundum");
-  for (const char* file : {"corundum.rec", "corundum.xy"}) {
-    fs::copy_file(example / file, dir.Path() / file);
-  }
-  const fs::path old = fs::current_path();
-  fs::current_path(dir.Path());
+  ASSERT_TRUE(testing::RefineExample(dir));
   RecordingReporter reporter;
-  const int status = RunEngine({"corundum.rec", false, nullptr}, reporter).status;
-  fs::current_path(old);
-  ASSERT_EQ(status, 0);
   fs::copy_file(dir.Path() / "%corundum.par", dir.Path() / "corundum.rec",
                 fs::copy_options::overwrite_existing);
   for (const auto& [name, option] :
