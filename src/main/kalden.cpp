@@ -157,7 +157,7 @@ int Help(const std::vector<std::string>& args) {
   }
   std::printf("kalden: Rietveld refinement of powder diffraction patterns, without a window\n\n");
   for (const Command& c : kCommands) {
-    std::printf("  %-40.*s %.*s\n", static_cast<int>(c.usage.size()), c.usage.data(),
+    std::printf("  %-15.*s %.*s\n", static_cast<int>(c.name.size()), c.name.data(),
                 static_cast<int>(c.brief.size()), c.brief.data());
   }
   std::printf("\n'kalden help COMMAND' tells more of one command.\n");
