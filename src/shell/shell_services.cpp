@@ -2,8 +2,8 @@
 #include "shell/shell_services.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "util/column_format.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -40,13 +40,10 @@ std::string DateTimeText(Toolkit& toolkit, int width) {
   std::string text(static_cast<std::size_t>(std::max(width, 0)), ' ');
   if (width < 10) return text;
   const DateTime now = toolkit.IOsDateTime();
-  char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02d", now.year % 10000, now.month % 100,
-                now.day % 100);
-  text.replace(0, 10, buffer);
+  text.replace(0, 10, FormatLine("(i4.4,'-',i2.2,'-',i2.2)", now.year % 10000, now.month % 100,
+                                 now.day % 100));
   if (width >= 18) {
-    std::snprintf(buffer, sizeof buffer, "   %02d:%02d", now.hour % 100, now.minute % 100);
-    text.replace(10, 8, buffer);
+    text.replace(10, 8, FormatLine("(3x,i2.2,':',i2.2)", now.hour % 100, now.minute % 100));
   }
   return text;
 }
