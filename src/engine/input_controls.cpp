@@ -46,6 +46,10 @@ bool ReadWavelengths(InputRecords& in, EngineState& state) {
     if (in.Required("WAVE", " WAVE record missing", "(F10.0)", wavelength) != RecordRead::kOk) {
       return false;
     }
+    if (!(wavelength > 0)) {
+      state.list.Line(" Wavelength not above 0");
+      return false;
+    }
     c.wavelengthRefined = true;
     c.wavelengths = {wavelength, 0.0f, 0.0f};
     state.globals[kWavelength] = {wavelength, codeword, 0};
@@ -54,6 +58,10 @@ bool ReadWavelengths(InputRecords& in, EngineState& state) {
   }
   std::array<float, 3>& w = c.wavelengths;
   if (in.RequiredValues("ELAM", " ELAM record missing", "(3F10.0)", w) != RecordRead::kOk) {
+    return false;
+  }
+  if (!(w[0] > 0)) {
+    state.list.Line(" Wavelength not above 0");
     return false;
   }
   if (w[1] <= 0) w[1] = w[0];

@@ -1,5 +1,6 @@
 #include "engine/reflection_generation.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "engine/reflection_indices.h"
@@ -147,7 +148,9 @@ GenerationStatus GenerateReflections(const SpaceGroupInfo& group, const Reflecti
   const float limit = sinMax * sinMax / (shortest * shortest);
   Hkl limits;
   for (int i = 0; i < 3; ++i) {
-    limits[i] = static_cast<int>(2.0f * s.cellEdges[i] * std::sqrt(limit));
+    // The packed index holds -128 to 127.
+    const float largest = 2.0f * s.cellEdges[i] * std::sqrt(limit);
+    limits[i] = std::isfinite(largest) ? static_cast<int>(std::clamp(largest, 0.0f, 127.0f)) : 0;
   }
   const int first = store.Count();
   const IndexSymmetry symmetry(group);

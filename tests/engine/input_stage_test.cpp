@@ -146,6 +146,10 @@ TEST(InputStage, BadNumbersAndJobTypesFail) {
   EXPECT_EQ(none.status, InputStatus::kFailed);
   EXPECT_TRUE(none.Listed(" No scattering sets given"));
 
+  InputRun dark(Replace(Project("calculation"), "ELAM        1.540510", "ELAM        0.000000"));
+  EXPECT_EQ(dark.status, InputStatus::kFailed);
+  EXPECT_TRUE(dark.Listed(" Wavelength not above 0"));
+
   InputRun zeros(Replace(Project("two_phases"), "POLY      1.999000E+01  2.000000E-02", "POLY"));
   EXPECT_EQ(zeros.status, InputStatus::kFailed);
   EXPECT_TRUE(zeros.Listed("No polynomial coefficients found"));
