@@ -13,5 +13,6 @@ cmake -S . -B "$build" -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
 cmake --build "$build" -j "$(nproc)" --target "${target}_fuzz"
 corpus=$build/corpus/$target
 mkdir -p "$corpus"
-cp -n tests/data/main/*.rec tests/data/engine/input/*.rec "$corpus"/ 2>/dev/null || true
+cp -n tests/data/main/*.rec tests/data/engine/input/*.rec tests/data/tools/*.cif \
+  tests/data/tools/cif_import/*.cif "$corpus"/ 2>/dev/null || true
 "$build"/bin/"${target}_fuzz" -max_total_time="$seconds" -max_len=65536 -timeout=10 "$corpus"
