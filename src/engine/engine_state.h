@@ -220,6 +220,8 @@ struct EngineState {
   // Files of the run.
   std::string projectFile;
   std::string directory;  // with its separator, or empty
+  // Where names without a directory of their own lie; empty for the process's current one.
+  std::string workingDirectory;
   std::string baseName;
   RunFileNames files;
   std::string temporaryFile;

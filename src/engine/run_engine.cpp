@@ -54,6 +54,7 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
   EngineState state;
   ZeroEngineState(state);
   state.debug = request.debug;
+  state.workingDirectory = request.workingDirectory;
   DebugWord(state.debug, reporter, "Zero done");
   const int started = ClockSeconds();
   RecordStore store(reporter);
@@ -121,19 +122,20 @@ bool NextName(std::istream& batch, std::string& name) {
   return true;
 }
 
-std::string DefaultParameterFile(const std::string& project) {
-  return "%" + BaseNameOf(project) + ".par";
+std::string DefaultParameterFile(const std::string& project, const std::string& directory) {
+  const std::string name = "%" + BaseNameOf(project) + ".par";
+  return directory.empty() ? name : ReplaceDirectory(directory, name);
 }
 
-void UpdateAll(const std::string& batchFile, BatchMode mode, Reporter& reporter,
+void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
                EngineResult& result) {
   if (!reporter.AskYesNo("Update", "Do you want to update all project files?")) return;
-  std::ifstream batch(batchFile);
+  std::ifstream batch(request.fileName);
   std::string name;
   while (NextName(batch, name)) {
     // In an edits batch the record lines are read as names too; their copies fail.
     (void)mode;
-    if (CopyOver(DefaultParameterFile(name), name)) {
+    if (CopyOver(DefaultParameterFile(name, request.workingDirectory), name)) {
       reporter.LogLine(name + " updated");
       result.currentProject = name;
     } else {
@@ -181,7 +183,7 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
     project = next;
   }
   batch.close();
-  if (mode != BatchMode::kChain) UpdateAll(request.fileName, mode, reporter, result);
+  if (mode != BatchMode::kChain) UpdateAll(request, mode, reporter, result);
   return result;
 }
 

@@ -42,7 +42,11 @@ std::string RecordFileName(RecordStore& store, std::string_view key, const std::
 std::string OutputFileName(RecordStore& store, std::string_view key, const EngineState& state,
                            std::string_view extension) {
   std::string name = RecordFileName(store, key, state.directory);
-  if (name.empty()) name = "%" + state.baseName + std::string(extension);
+  if (name.empty()) {
+    name = "%" + state.baseName + std::string(extension);
+    // The current directory of the caller, when it names one; else the process's.
+    if (!state.workingDirectory.empty()) name = ReplaceDirectory(state.workingDirectory, name);
+  }
   return name;
 }
 

@@ -116,6 +116,24 @@ TEST(RunEngine, AParameterWithoutDerivativeStopsTheCycles) {
   EXPECT_FALSE(fs::exists("%zero.par"));
 }
 
+TEST(RunEngine, DefaultNamesLieInTheCallersDirectory) {
+  ScratchDir elsewhere;
+  {
+    Workspace w;
+    w.WriteRefinement("here.rec");
+    fs::copy_file("here.rec", elsewhere.Path() / "here.rec");
+    fs::copy_file("pattern.xy", elsewhere.Path() / "pattern.xy");
+  }
+  // The process stays where it is; the caller's own current directory holds the outputs.
+  RecordingReporter reporter;
+  EngineRequest request{(elsewhere.Path() / "here.rec").string(), false, nullptr};
+  request.workingDirectory = elsewhere.Path().string();
+  ASSERT_EQ(RunEngine(request, reporter).status, 0);
+  EXPECT_TRUE(fs::exists(elsewhere.Path() / "%here.out"));
+  EXPECT_TRUE(fs::exists(elsewhere.Path() / "%here.par"));
+  EXPECT_FALSE(fs::exists("%here.out"));
+}
+
 TEST(RunEngine, ACutOfZeroRunsEveryCycle) {
   Workspace w;
   w.WriteRefinement("all.rec");
