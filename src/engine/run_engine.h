@@ -4,6 +4,7 @@
 #include <atomic>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "util/report.h"
 
@@ -20,6 +21,11 @@ enum class BatchMode {
 BatchMode BatchModeOf(std::string_view fileName);
 
 struct EngineRequest {
+  EngineRequest() = default;
+  EngineRequest(std::string file, bool debugMode = false,
+                const std::atomic<bool>* stopFlag = nullptr)
+      : fileName(std::move(file)), debug(debugMode), stop(stopFlag) {}
+
   std::string fileName;
   bool debug = false;
   // Set from another thread (a Stop button, Ctrl+C): the refinement ends after the current
