@@ -23,6 +23,9 @@ struct TableOptions {
 // One project's table in the making: the records as the store hands them out, in the order
 // the sections read them.
 struct TableContext {
+  TableContext(std::ostream& stream, RecordStore& records, Reporter& log)
+      : out(stream), store(records), reporter(log) {}
+
   std::ostream& out;
   RecordStore& store;
   Reporter& reporter;
