@@ -78,15 +78,20 @@ float RecordValue(const fs::path& file, std::string_view key, std::string_view l
   return v[field];
 }
 
+// The pattern of the model (scale 0.002, a 5.411, W 0.015, zero 0) as pattern.xy in the
+// current directory.
+void SimulatePattern(const ScratchDir& dir, Reporter& reporter) {
+  dir.Write("model.rec", Project(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
+  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
+  SummaryToPattern(dir.Path() / "%model.sum", dir.Path() / "pattern.xy");
+}
+
 TEST(Refinement, RecoversTheModelOfASimulatedPattern) {
   ScratchDir dir;
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
   RecordingReporter reporter;
-
-  dir.Write("model.rec", Project(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
-  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
-  SummaryToPattern(dir.Path() / "%model.sum", dir.Path() / "pattern.xy");
+  SimulatePattern(dir, reporter);
 
   dir.Write("start.rec", Project(0, " 0.1700E-02", "  5.405000", "   0.02500", "   0.03000"));
   const EngineResult refined = RunEngine({"start.rec", false, nullptr}, reporter);
@@ -114,9 +119,7 @@ TEST(Refinement, AValueGoingBelowItsLimitBlocksAnotherParameter) {
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
   RecordingReporter reporter;
-  dir.Write("model.rec", Project(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
-  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
-  SummaryToPattern(dir.Path() / "%model.sum", dir.Path() / "pattern.xy");
+  SimulatePattern(dir, reporter);
   // The scale (group 1) starts above 0.0022 and falls below it: W (group 2) is held from then.
   std::string start = Project(0, " 0.2600E-02", "  5.411000", "   0.02500", "   0.00000");
   start = Replaced(start, "CSCA           1.000", "CSCA          11.000");
