@@ -63,7 +63,7 @@ class RecordingToolkit : public ScriptedToolkit {
     ScriptedToolkit::WindowSelect(window);
   }
   void WindowStatusBarParts(std::span<const int> widths) override {
-    std::string text = "parts";
+    std::string text = "statusfields";
     for (int w : widths) text += " " + std::to_string(w);
     calls.push_back(text);
   }
@@ -152,7 +152,7 @@ TEST_F(StartUpTest, WithoutArgumentsStartsInOrderAndWaitsWithNoProject) {
                        "open 39 20 20 1280 499 30001 KALDENA",
                        "area 0 0 1 1",
                        "units 0 0 1000 1000",
-                       "parts 2000 2000 2000 2000 2000",
+                       "statusfields 2000 2000 2000 2000 2000",
                        "argcount",
                        "cd " + bin,
                        "recent1 empty",
