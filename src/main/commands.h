@@ -2,10 +2,21 @@
 // and returns the exit code (0 success, 1 failure).
 #pragma once
 
+#include <cmath>
+#include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace kaldena {
+
+// A number argument: the whole text one finite number, or nothing.
+inline std::optional<float> NumberArgument(const std::string& text) {
+  char* end = nullptr;
+  const float value = std::strtof(text.c_str(), &end);
+  if (text.empty() || *end != '\0' || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
 
 int ElementCommand(const std::vector<std::string>& args);
 int SpaceGroupCommand(const std::vector<std::string>& args);

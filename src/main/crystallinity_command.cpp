@@ -1,6 +1,5 @@
 // kalden crystallinity: the crystalline fraction of a finished run, kept in CRYS.
 #include <cstdio>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,26 +9,16 @@
 
 namespace kaldena {
 
-namespace {
-
-bool ReadLimit(const std::string& text, std::optional<float>& limit) {
-  char* end = nullptr;
-  const float v = std::strtof(text.c_str(), &end);
-  if (end == text.c_str() || *end != '\0') return false;
-  limit = v;
-  return true;
-}
-
-}  // namespace
-
 int CrystallinityCommand(const std::vector<std::string>& args) {
   CrystallinityRequest request;
   bool ok = !args.empty();
   for (size_t i = 0; ok && i < args.size(); ++i) {
     if (args[i] == "--min" && i + 1 < args.size()) {
-      ok = ReadLimit(args[++i], request.minimum);
+      request.minimum = NumberArgument(args[++i]);
+      ok = request.minimum.has_value();
     } else if (args[i] == "--max" && i + 1 < args.size()) {
-      ok = ReadLimit(args[++i], request.maximum);
+      request.maximum = NumberArgument(args[++i]);
+      ok = request.maximum.has_value();
     } else if (request.project.empty() && !args[i].starts_with("--")) {
       request.project = args[i];
     } else {

@@ -1,11 +1,11 @@
 // kalden distances: the distance and angle list (.dis) of a project or of a .mlt list of
 // projects, as the menu writes it.
-#include <charconv>
 #include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "main/commands.h"
 #include "main/tool_commands.h"
 #include "tools/distances.h"
 #include "util/report.h"
@@ -23,14 +23,6 @@ int Usage() {
   return 1;
 }
 
-std::optional<float> Number(const std::string& text) {
-  float value = 0;
-  const char* end = text.data() + text.size();
-  const auto [ptr, error] = std::from_chars(text.data(), end, value);
-  if (error != std::errc() || ptr != end) return std::nullopt;
-  return value;
-}
-
 }  // namespace
 
 int DistancesCommand(const std::vector<std::string>& args) {
@@ -41,7 +33,7 @@ int DistancesCommand(const std::vector<std::string>& args) {
     const bool hasValue = i + 1 < args.size();
     auto limit = [&](std::optional<float>& target) {
       if (!hasValue) return false;
-      target = Number(args[++i]);
+      target = NumberArgument(args[++i]);
       return target.has_value() && *target >= 0;
     };
     if (arg == "--out") {

@@ -1,8 +1,6 @@
 // kalden element: the built-in data of one element at one wavelength, as the engine takes it.
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,20 +20,13 @@ struct ElementRequest {
   float wavelength = kDefaultWavelength;
 };
 
-std::optional<float> ParseNumber(const std::string& text) {
-  char* end = nullptr;
-  const float value = std::strtof(text.c_str(), &end);
-  if (text.empty() || *end != '\0' || !std::isfinite(value)) return std::nullopt;
-  return value;
-}
-
 std::optional<ElementRequest> ParseArguments(const std::vector<std::string>& args) {
   ElementRequest request;
   bool haveSymbol = false;
   for (std::size_t i = 0; i < args.size(); ++i) {
     if (args[i] == "--wavelength") {
       if (i + 1 == args.size()) return std::nullopt;
-      const std::optional<float> wavelength = ParseNumber(args[++i]);
+      const std::optional<float> wavelength = NumberArgument(args[++i]);
       if (!wavelength) return std::nullopt;
       request.wavelength = *wavelength;
     } else if (haveSymbol || args[i].starts_with("--")) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "main/commands.h"
 #include "main/plot_commands.h"
 #include "shell/pattern_plot.h"
 #include "shell/pattern_plot_contours.h"
@@ -36,16 +37,6 @@ struct PlotRequest {
   std::optional<std::pair<float, float>> range;
 };
 
-std::optional<float> Number(const std::string& text) {
-  try {
-    size_t used = 0;
-    const float v = std::stof(text, &used);
-    if (used == text.size()) return v;
-  } catch (...) {
-  }
-  return std::nullopt;
-}
-
 std::optional<PlotRequest> ParseArguments(const std::vector<std::string>& args) {
   PlotRequest r;
   for (size_t i = 0; i < args.size(); ++i) {
@@ -58,11 +49,11 @@ std::optional<PlotRequest> ParseArguments(const std::vector<std::string>& args) 
     } else if (a == "--fourier" && left >= 2) {
       const std::string axis = UpperText(args[++i]);
       r.fourierAxis = axis == "X" ? 1 : axis == "Y" ? 2 : axis == "Z" ? 3 : -1;
-      const std::optional<float> section = Number(args[++i]);
+      const std::optional<float> section = NumberArgument(args[++i]);
       if (r.fourierAxis < 0 || !section || *section < 1) return std::nullopt;
       r.section = static_cast<int>(*section);
     } else if (a == "--range" && left >= 2) {
-      const std::optional<float> low = Number(args[++i]), high = Number(args[++i]);
+      const std::optional<float> low = NumberArgument(args[++i]), high = NumberArgument(args[++i]);
       if (!low || !high || !(*high > *low)) return std::nullopt;
       r.range = std::make_pair(*low, *high);
     } else if (!a.starts_with("--") && r.project.empty()) {

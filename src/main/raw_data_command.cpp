@@ -1,6 +1,5 @@
 // kalden rawdata: a pattern read as the engine reads it, so that a user can check a file.
 #include <cstdio>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,13 +22,6 @@ struct RawDataOptions {
   bool points = false;
 };
 
-std::optional<float> Number(const std::string& text) {
-  char* end = nullptr;
-  const float value = std::strtof(text.c_str(), &end);
-  if (text.empty() || *end != '\0') return std::nullopt;
-  return value;
-}
-
 std::optional<RawDataOptions> ParseOptions(const std::vector<std::string>& args) {
   RawDataOptions o;
   for (size_t i = 0; i < args.size(); ++i) {
@@ -38,7 +30,7 @@ std::optional<RawDataOptions> ParseOptions(const std::vector<std::string>& args)
     if (a == "--points") {
       o.points = true;
     } else if (a == "--format" && hasValue) {
-      const std::optional<float> n = Number(args[++i]);
+      const std::optional<float> n = NumberArgument(args[++i]);
       if (!n) return std::nullopt;
       o.request.format = static_cast<int>(*n);
     } else if (a == "--background" && hasValue) {
@@ -46,7 +38,7 @@ std::optional<RawDataOptions> ParseOptions(const std::vector<std::string>& args)
     } else if (a == "--weights" && hasValue) {
       o.request.weightsFile = args[++i];
     } else if (a == "--autodivergence" && hasValue) {
-      const std::optional<float> v = Number(args[++i]);
+      const std::optional<float> v = NumberArgument(args[++i]);
       if (!v) return std::nullopt;
       o.request.autodivergence = *v;
     } else if (a.starts_with("--") || !o.request.dataFile.empty()) {
