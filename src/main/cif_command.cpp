@@ -1,9 +1,9 @@
 // kalden cif and kalden cif-raw: the CIF of a refined project and its raw data report.
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "main/cif_commands.h"
+#include "main/commands.h"
 #include "tools/cif_raw_report.h"
 #include "tools/cif_writer.h"
 #include "util/report.h"
@@ -36,8 +36,7 @@ int CifCommand(const std::vector<std::string>& args) {
     }
   }
   if (bad || project.empty()) {
-    std::fprintf(stderr, "usage: kalden cif PROJECT [--date YYYY-MM-DD]\n");
-    return 1;
+    return kBadArguments;
   }
   ConsoleReporter reporter;
   return StartCif(project, reporter, date).empty() ? 1 : 0;
@@ -45,8 +44,7 @@ int CifCommand(const std::vector<std::string>& args) {
 
 int CifRawCommand(const std::vector<std::string>& args) {
   if (args.size() != 1 || args[0].empty() || args[0].starts_with("--")) {
-    std::fprintf(stderr, "usage: kalden cif-raw PROJECT\n");
-    return 1;
+    return kBadArguments;
   }
   ConsoleReporter reporter;
   const std::string report = RawReportFileName(args[0]);

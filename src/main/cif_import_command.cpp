@@ -1,9 +1,9 @@
 // "kalden new --from-cif", which drives the shell's own "New project from CIF".
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "main/cif_import_commands.h"
+#include "main/commands.h"
 #include "shell/cif_phase_import.h"
 #include "shell/default_project.h"
 #include "shell/project_lifecycle.h"
@@ -27,11 +27,6 @@ int PhaseCount(const std::string& file) {
   return count;
 }
 
-int Usage() {
-  std::fprintf(stderr, "usage: kalden new PROJECT.rec --from-cif FILE.cif [--use-existing]\n");
-  return 1;
-}
-
 }  // namespace
 
 int NewFromCifCommand(const std::vector<std::string>& args) {
@@ -45,10 +40,10 @@ int NewFromCifCommand(const std::vector<std::string>& args) {
     } else if (project.empty() && !args[i].starts_with("--")) {
       project = args[i];
     } else {
-      return Usage();
+      return kBadArguments;
     }
   }
-  if (project.empty() || cif.empty()) return Usage();
+  if (project.empty() || cif.empty()) return kBadArguments;
 
   ScriptedToolkit toolkit{true};
   ShellState state;

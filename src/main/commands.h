@@ -1,5 +1,5 @@
 // The commands of kalden beside the built-in ones: each takes the arguments behind its name
-// and returns the exit code (0 success, 1 failure).
+// and returns the exit code (0 success, 1 failure) or kBadArguments.
 #pragma once
 
 #include <cmath>
@@ -9,6 +9,10 @@
 #include <vector>
 
 namespace kaldena {
+
+// Returned by a command whose arguments do not fit its usage: kalden prints the usage line of
+// its command table and exits with 1, so the line is written in one place.
+inline constexpr int kBadArguments = -1;
 
 // A number argument: the whole text one finite number, or nothing.
 inline std::optional<float> NumberArgument(const std::string& text) {

@@ -1,5 +1,4 @@
 // kalden crystallinity: the crystalline fraction of a finished run, kept in CRYS.
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,10 +24,7 @@ int CrystallinityCommand(const std::vector<std::string>& args) {
       ok = false;
     }
   }
-  if (!ok || request.project.empty()) {
-    std::fprintf(stderr, "usage: kalden crystallinity PROJECT [--min 2THETA] [--max 2THETA]\n");
-    return 1;
-  }
+  if (!ok || request.project.empty()) return kBadArguments;
   ConsoleReporter reporter;
   return RunCrystallinity(request, reporter).status == CrystallinityStatus::kOk ? 0 : 1;
 }

@@ -1,6 +1,5 @@
 // kalden distances: the distance and angle list (.dis) of a project or of a .mlt list of
 // projects, as the menu writes it.
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,15 +12,6 @@
 namespace kaldena {
 
 namespace {
-
-constexpr const char* kUsage =
-    "usage: kalden distances PROJECT|LIST.mlt [--out FILE] [--min D] [--max D] [--angle-min D] "
-    "[--angle-max D] [--extended] [--no-angles] [--date YYYY-MM-DD]\n";
-
-int Usage() {
-  std::fputs(kUsage, stderr);
-  return 1;
-}
 
 }  // namespace
 
@@ -37,19 +27,19 @@ int DistancesCommand(const std::vector<std::string>& args) {
       return target.has_value() && *target >= 0;
     };
     if (arg == "--out") {
-      if (!hasValue) return Usage();
+      if (!hasValue) return kBadArguments;
       listFile = args[++i];
     } else if (arg == "--date") {
-      if (!hasValue) return Usage();
+      if (!hasValue) return kBadArguments;
       options.date = args[++i];
     } else if (arg == "--min") {
-      if (!limit(options.dmin)) return Usage();
+      if (!limit(options.dmin)) return kBadArguments;
     } else if (arg == "--max") {
-      if (!limit(options.dmax)) return Usage();
+      if (!limit(options.dmax)) return kBadArguments;
     } else if (arg == "--angle-min") {
-      if (!limit(options.amin)) return Usage();
+      if (!limit(options.amin)) return kBadArguments;
     } else if (arg == "--angle-max") {
-      if (!limit(options.amax)) return Usage();
+      if (!limit(options.amax)) return kBadArguments;
     } else if (arg == "--extended") {
       options.option = 3;
     } else if (arg == "--no-angles") {
@@ -57,10 +47,10 @@ int DistancesCommand(const std::vector<std::string>& args) {
     } else if (input.empty() && !arg.starts_with("--")) {
       input = arg;
     } else {
-      return Usage();
+      return kBadArguments;
     }
   }
-  if (input.empty()) return Usage();
+  if (input.empty()) return kBadArguments;
   if (listFile.empty()) listFile = DistanceListName(input);
   ConsoleReporter reporter;
   reporter.LogLine("Starting DISTAN");

@@ -77,10 +77,7 @@ void PrintScattering(const ScatteringData& data, bool neutrons) {
 
 int ElementCommand(const std::vector<std::string>& args) {
   const std::optional<ElementRequest> request = ParseArguments(args);
-  if (!request) {
-    std::fprintf(stderr, "usage: kalden element SYMBOL [--wavelength W]\n");
-    return 1;
-  }
+  if (!request) return kBadArguments;
   const int z = LookUp(request->symbol);
   if (z == 0) {
     std::fprintf(stderr, "kalden element: unknown element '%s'\n", request->symbol.c_str());

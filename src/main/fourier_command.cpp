@@ -1,8 +1,8 @@
 // kalden fourier and kalden add-peaks.
-#include <cstdio>
 #include <string>
 #include <vector>
 
+#include "main/commands.h"
 #include "main/fourier_commands.h"
 #include "tools/distances.h"
 #include "tools/fourier_add_peaks.h"
@@ -13,9 +13,6 @@
 namespace kaldena {
 
 namespace {
-
-constexpr const char* kFourierUsage = "usage: kalden fourier PROJECT\n";
-constexpr const char* kAddPeaksUsage = "usage: kalden add-peaks PROJECT [--atom N]\n";
 
 // A whole positive number, or 0.
 int RowNumber(const std::string& text) {
@@ -31,10 +28,7 @@ int RowNumber(const std::string& text) {
 }  // namespace
 
 int FourierCommand(const std::vector<std::string>& args) {
-  if (args.size() != 1 || args[0].starts_with("--")) {
-    std::fputs(kFourierUsage, stderr);
-    return 1;
-  }
+  if (args.size() != 1 || args[0].starts_with("--")) return kBadArguments;
   ConsoleReporter reporter;
   const std::string& project = args[0];
   const std::string fourier = FourierFileOf(project, reporter);
@@ -47,21 +41,14 @@ int AddPeaksCommandWith(const std::vector<std::string>& args, const DistanceList
   for (size_t i = 0; i < args.size(); ++i) {
     if (args[i] == "--atom" && i + 1 < args.size() && row < 0) {
       row = RowNumber(args[++i]);
-      if (row < 1) {
-        std::fputs(kAddPeaksUsage, stderr);
-        return 1;
-      }
+      if (row < 1) return kBadArguments;
     } else if (project.empty() && !args[i].starts_with("--")) {
       project = args[i];
     } else {
-      std::fputs(kAddPeaksUsage, stderr);
-      return 1;
+      return kBadArguments;
     }
   }
-  if (project.empty()) {
-    std::fputs(kAddPeaksUsage, stderr);
-    return 1;
-  }
+  if (project.empty()) return kBadArguments;
   ConsoleReporter reporter;
   if (row < 0) return AddAllPeaks(project, distances, reporter).status == 0 ? 0 : 1;
 

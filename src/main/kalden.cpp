@@ -170,7 +170,7 @@ int Version(const std::vector<std::string>& /*args*/) {
 }
 
 int Records(const std::vector<std::string>& args) {
-  if (args.size() < 2) return Usage(*FindCommand("records"));
+  if (args.size() < 2) return kaldena::kBadArguments;
   ConsoleReporter reporter;
   RecordStore store(reporter);
   if (store.jReadRecFile(args[0]) < 1) return 1;
@@ -200,5 +200,6 @@ int main(int argc, char** argv) {
                  argv[1]);
     return 1;
   }
-  return command->run(std::vector<std::string>(argv + 2, argv + argc));
+  const int code = command->run(std::vector<std::string>(argv + 2, argv + argc));
+  return code == kaldena::kBadArguments ? Usage(*command) : code;
 }

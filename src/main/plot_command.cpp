@@ -1,5 +1,4 @@
 // kalden plot: draws one of the window's plots into a file through the cairo canvas.
-#include <cstdio>
 #include <filesystem>
 #include <optional>
 
@@ -18,15 +17,6 @@
 
 namespace kaldena {
 namespace {
-
-constexpr const char* kUsage =
-    "usage: kalden plot PROJECT --out FILE.(png|svg|pdf|eps|jpg|bmp) [--halfwidths] "
-    "[--fourier AXIS SECTION] [--range 2THETA1 2THETA2]\n";
-
-int Usage() {
-  std::fputs(kUsage, stderr);
-  return 1;
-}
 
 struct PlotRequest {
   std::string project;
@@ -88,7 +78,7 @@ std::string ProjectFile(const ShellState& state, RecordStore& store, std::string
 
 int PlotCommand(const std::vector<std::string>& args) {
   const std::optional<PlotRequest> request = ParseArguments(args);
-  if (!request) return Usage();
+  if (!request) return kBadArguments;
   ConsoleReporter reporter;
   ShellState state;
   state.projectFileName = request->project;

@@ -1,11 +1,11 @@
 // kalden new, backup and restore: the shell's project commands driven through the headless
 // toolkit, which prints log lines to standard output and boxes to standard error.
 #include <algorithm>
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "main/cif_import_commands.h"
+#include "main/commands.h"
 #include "main/project_commands.h"
 #include "shell/project_lifecycle.h"
 #include "shell/shell_state.h"
@@ -15,11 +15,6 @@
 namespace kaldena {
 
 namespace {
-
-int Usage(const char* usage) {
-  std::fprintf(stderr, "usage: %s\n", usage);
-  return 1;
-}
 
 // A state for one command: no preferences file, so the recent list is not written anywhere.
 struct CommandShell {
@@ -33,7 +28,6 @@ int NewCommand(const std::vector<std::string>& args) {
   if (std::find(args.begin(), args.end(), "--from-cif") != args.end()) {
     return NewFromCifCommand(args);
   }
-  constexpr const char* kUsage = "kalden new PROJECT.rec [--use-existing] [--from-cif FILE.cif]";
   std::string name;
   bool useExisting = false;
   for (const std::string& arg : args) {
@@ -42,10 +36,10 @@ int NewCommand(const std::vector<std::string>& args) {
     } else if (name.empty() && !arg.starts_with("--")) {
       name = arg;
     } else {
-      return Usage(kUsage);
+      return kBadArguments;
     }
   }
-  if (name.empty()) return Usage(kUsage);
+  if (name.empty()) return kBadArguments;
   CommandShell shell;
   // "File already exists ... Do you want to use it?" is answered by the option: without it
   // an existing file is left alone.
@@ -54,7 +48,7 @@ int NewCommand(const std::vector<std::string>& args) {
 }
 
 int BackupCommand(const std::vector<std::string>& args) {
-  if (args.size() != 1 || args[0].starts_with("--")) return Usage("kalden backup PROJECT");
+  if (args.size() != 1 || args[0].starts_with("--")) return kBadArguments;
   CommandShell shell;
   shell.state.projectFileName = args[0];
   if (ReadProjectNames(shell.state, shell.toolkit) != 0) return 1;
@@ -62,8 +56,7 @@ int BackupCommand(const std::vector<std::string>& args) {
 }
 
 int RestoreCommand(const std::vector<std::string>& args) {
-  constexpr const char* kUsage = "kalden restore PROJECT [BACKUP]";
-  if (args.empty() || args.size() > 2 || args[0].starts_with("--")) return Usage(kUsage);
+  if (args.empty() || args.size() > 2 || args[0].starts_with("--")) return kBadArguments;
   CommandShell shell;
   shell.state.projectFileName = args[0];
   if (ReadProjectNames(shell.state, shell.toolkit) != 0) return 1;

@@ -13,10 +13,6 @@ namespace kaldena {
 
 namespace {
 
-constexpr const char* kUsage =
-    "usage: kalden rawdata FILE --format N [--background F] [--weights F] "
-    "[--autodivergence V] [--points]\n";
-
 struct RawDataOptions {
   RawDataRequest request;
   bool points = false;
@@ -70,10 +66,7 @@ void PrintPoints(const RawPattern& pattern) {
 
 int RawDataCommand(const std::vector<std::string>& args) {
   const std::optional<RawDataOptions> options = ParseOptions(args);
-  if (!options) {
-    std::fputs(kUsage, stderr);
-    return 1;
-  }
+  if (!options) return kBadArguments;
   ConsoleReporter reporter;
   ListFile list;
   int weighting = kWeightByObserved;

@@ -2,7 +2,6 @@
 // taken over as the project.
 #include <atomic>
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -35,14 +34,10 @@ int RunCommand(const std::vector<std::string>& args) {
     } else if (request.fileName.empty() && !arg.starts_with("--")) {
       request.fileName = arg;
     } else {
-      std::fprintf(stderr, "usage: kalden run PROJECT|BATCH [--debug] [--update-all]\n");
-      return 1;
+      return kBadArguments;
     }
   }
-  if (request.fileName.empty()) {
-    std::fprintf(stderr, "usage: kalden run PROJECT|BATCH [--debug] [--update-all]\n");
-    return 1;
-  }
+  if (request.fileName.empty()) return kBadArguments;
   stopRequested = false;
   request.stop = &stopRequested;
   std::signal(SIGINT, RequestStop);
@@ -54,10 +49,7 @@ int RunCommand(const std::vector<std::string>& args) {
 }
 
 int UpdateCommand(const std::vector<std::string>& args) {
-  if (args.size() != 1) {
-    std::fprintf(stderr, "usage: kalden update PROJECT\n");
-    return 1;
-  }
+  if (args.size() != 1) return kBadArguments;
   ConsoleReporter reporter;
   RecordStore store(reporter);
   if (store.jReadRecFile(args[0]) < 1) return 1;

@@ -57,10 +57,7 @@ void PrintJson(const SpaceGroupInfo& info) {
 
 int SpaceGroupCommand(const std::vector<std::string>& args) {
   const bool json = args.size() == 2 && args[1] == "--json";
-  if (args.empty() || args.size() > 2 || (args.size() == 2 && !json)) {
-    std::fprintf(stderr, "usage: kalden spacegroup SYMBOL [--json]\n");
-    return 1;
-  }
+  if (args.empty() || args.size() > 2 || (args.size() == 2 && !json)) return kBadArguments;
   SpaceGroupInfo info;
   // A compact symbol ("P21/c") is read as its blank-separated form when it reads no other way.
   if (!Reads(args[0], info) && !Reads(ConvertPrintedSymbol(args[0]), info)) {

@@ -1,5 +1,4 @@
 // kalden table: the printable result table of a project or of a .mlt list of projects.
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -22,10 +21,7 @@ int TableCommand(const std::vector<std::string>& args) {
       break;
     }
   }
-  if (project.empty()) {
-    std::fprintf(stderr, "usage: kalden table PROJECT|LIST.mlt [--date YYYY-MM-DD]\n");
-    return 1;
-  }
+  if (project.empty()) return kBadArguments;
   ConsoleReporter reporter;
   return RunTable(project, date, reporter).empty() ? 1 : 0;
 }

@@ -1,5 +1,5 @@
 // The commands of kalden that run an analysis tool on a refined project: each takes the
-// arguments behind its name and returns the exit code (0 success, 1 failure).
+// arguments behind its name and returns the exit code as those of main/commands.h do.
 #pragma once
 
 #include <string>

@@ -25,7 +25,15 @@ if(NOT out MATCHES "^kalden [0-9]+\\.[0-9]+\\.[0-9]+")
   message(FATAL_ERROR "unexpected version line: ${out}")
 endif()
 expect_run(1 frobnicate)
+# Arguments that do not fit: the command's usage line from the table, exit code 1.
 expect_run(1 records)
+if(NOT err STREQUAL "usage: kalden records FILE KEY...\n")
+  message(FATAL_ERROR "records without keys gives no usage:\n${err}")
+endif()
+expect_run(1 restore a.rec b.bck c)
+if(NOT err STREQUAL "usage: kalden restore PROJECT [BACKUP]\n")
+  message(FATAL_ERROR "restore with three arguments gives no usage:\n${err}")
+endif()
 
 # A missing file: the store's box on standard error, exit code 1.
 expect_run(1 records ${DATA}/main/absent.rec CELL)
