@@ -19,8 +19,6 @@ constexpr int kHardcopyOptionEps = 22;
 constexpr int kHardcopyOptionsDialog = 3;
 constexpr int kSaveByEditorDialog = 1;
 
-std::string TrimmedText(std::string_view text) { return std::string(Trimmed(LeftJustify(text))); }
-
 // Starts a program; the error of an earlier operation is cleared first so that the caller's
 // query sees this start only. True when it started.
 bool StartProgram(Toolkit& toolkit, std::vector<std::string> arguments) {
@@ -43,7 +41,7 @@ void BackToScreen(Toolkit& toolkit) {
 }
 
 std::string GraphicsFileName(const ShellState& state, std::string_view extension) {
-  return TrimmedText(state.projectBaseName) + "." + std::string(extension);
+  return StrippedText(state.projectBaseName) + "." + std::string(extension);
 }
 
 }  // namespace
@@ -135,10 +133,10 @@ void StartEditor(ShellContext& shell, const std::string& fileName) {
 }
 
 void StartEditor(ShellState& state, Toolkit& toolkit, const std::string& fileName) {
-  const std::string file = TrimmedText(fileName);
+  const std::string file = StrippedText(fileName);
   if (file.empty()) return;
   // A program that does not start is the toolkit's to report.
-  StartProgram(toolkit, {TrimmedText(state.preferences.editorPath), file});
+  StartProgram(toolkit, {StrippedText(state.preferences.editorPath), file});
 }
 
 void ViewRawData(ShellContext& shell) {
@@ -146,7 +144,7 @@ void ViewRawData(ShellContext& shell) {
   if (!state.rawDataDefined) return;
   const std::string file = InProjectDir(state, state.rawDataFileName);
   if (!StartProgram(shell.toolkit, {kRawDataViewer, file})) {
-    StartProgram(shell.toolkit, {TrimmedText(state.preferences.editorPath), file});
+    StartProgram(shell.toolkit, {StrippedText(state.preferences.editorPath), file});
   }
 }
 
@@ -160,7 +158,7 @@ void PlotStructure(ShellContext& shell, const MenuEntry& entry) {
     LogLine(state, shell.toolkit, "Error in kd_cif");
     return;
   }
-  StartProgram(shell.toolkit, {TrimmedText(state.preferences.visualizerPath), cif});
+  StartProgram(shell.toolkit, {StrippedText(state.preferences.visualizerPath), cif});
 }
 
 // --- Graphics files and printing
@@ -182,7 +180,7 @@ void PrintGraphics(ShellContext& shell, const MenuEntry& entry) {
   toolkit.IGrHardcopyOptions(kHardcopyOptionResolution, 10);
   toolkit.WHardcopyOptions(kHardcopyOptionsDialog);
   if (toolkit.InfoDialog(kInfoDialogAccepted) == 1) {
-    toolkit.IGrHardcopy(TrimmedText(state.projectBaseName));
+    toolkit.IGrHardcopy(StrippedText(state.projectBaseName));
     RedrawPlot(shell, 0);
   }
   // Stopped also after a cancel: the toolkit takes a stop without an open hardcopy.
@@ -222,7 +220,7 @@ void PrintLog(ShellContext& shell) {
   toolkit.WindowSelect(shell.state.logWindow);
   toolkit.WPrintEditOptions();
   if (toolkit.InfoDialog(kInfoExitButton) == 1) {
-    toolkit.WEditPrint(TrimmedText(shell.state.projectBaseName));
+    toolkit.WEditPrint(StrippedText(shell.state.projectBaseName));
   }
   toolkit.WindowSelect(kMainWindow);
 }

@@ -20,10 +20,8 @@ namespace {
 using Entry = MenuEntry;
 using Command = ShellRoutines::Command;
 
-std::string TrimmedText(std::string_view text) { return std::string(Trimmed(LeftJustify(text))); }
-
 std::string ProjectFile(const ShellContext& shell) {
-  return TrimmedText(shell.state.projectFileName);
+  return StrippedText(shell.state.projectFileName);
 }
 
 // A command of another part of the shell, or its not-available line.
@@ -303,7 +301,7 @@ bool DispatchMenu(ShellContext& shell, int id) {
 }
 
 std::string NotAvailableText(const MenuEntry& entry) {
-  return std::string(entry.menu) + ": " + TrimmedText(entry.caption) +
+  return std::string(entry.menu) + ": " + StrippedText(entry.caption) +
          " is not available in this build";
 }
 

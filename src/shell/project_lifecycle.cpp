@@ -28,11 +28,6 @@ bool NoSelection(std::string_view name) {
   return trimmed.empty() || LeftJustify(trimmed).front() == '*';
 }
 
-std::string TrimmedText(std::string_view text) {
-  std::string left = LeftJustify(text);
-  return std::string(Trimmed(left));
-}
-
 // A text record's value, or `fallback` when the record is absent or blank.
 std::string NameRecord(RecordStore& store, std::string_view key, const std::string& fallback) {
   std::string value = FindText(store, key, "");
@@ -73,7 +68,7 @@ bool AskCifProject(Toolkit& toolkit, std::string& cif, std::string& project) {
                           forCif ? kSelectOpen : kSelectSave, name,
                           forCif ? "Select CIF" : "Select project file");
       if (!NoSelection(name)) {
-        toolkit.WDialogPutString(forCif ? kCifField : kProjectField, TrimmedText(name));
+        toolkit.WDialogPutString(forCif ? kCifField : kProjectField, StrippedText(name));
       }
     } else if (message.value == kIdOk || message.value == kIdCancel) {
       accepted = message.value == kIdOk;
@@ -181,7 +176,7 @@ void OpenProject(ShellState& state, Toolkit& toolkit, int slot) {
       ShowMessage(toolkit, "Error", "Invalid file selection");
       return;
     }
-    state.projectFileName = TrimmedText(name);
+    state.projectFileName = StrippedText(name);
   } else if (slot > kRecentSlots) {
     ShowMessage(toolkit, "Error", "Invalid file selection");
     return;
@@ -267,8 +262,8 @@ void NewProject(ShellState& state, Toolkit& toolkit) {
       ShowMessage(toolkit, "Error", "Invalid project file");
       return;
     }
-    state.cifFileName = ForceExtension(TrimmedText(cif), "cif");
-    state.projectFileName = ForceExtension(TrimmedText(project), "rec");
+    state.cifFileName = ForceExtension(StrippedText(cif), "cif");
+    state.projectFileName = ForceExtension(StrippedText(project), "rec");
     TakeProjectName(state, toolkit);
     // The phase model is filled before any file is touched, so a CIF that does not read
     // leaves nothing behind.
@@ -285,13 +280,13 @@ void NewProject(ShellState& state, Toolkit& toolkit) {
     ShowMessage(toolkit, "Error", "Invalid project file selection");
     return;
   }
-  CreateProjectFromDefaults(state, toolkit, TrimmedText(name));
+  CreateProjectFromDefaults(state, toolkit, StrippedText(name));
 }
 
 bool CreateProjectFromDefaults(ShellState& state, Toolkit& toolkit, std::string_view fileName) {
   state.fileType = 0;
   state.cifFileName.clear();
-  state.projectFileName = ForceExtension(TrimmedText(fileName), "rec");
+  state.projectFileName = ForceExtension(StrippedText(fileName), "rec");
   TakeProjectName(state, toolkit);
   return BuildNewProject(state, toolkit, nullptr);
 }
@@ -304,7 +299,7 @@ bool UpdateProject(ShellState& state, Toolkit& toolkit) {
 }
 
 bool BackupProject(ShellState& state, Toolkit& toolkit) {
-  const std::string backup = InProjectDir(state, TrimmedText(state.projectBaseName) + ".bck");
+  const std::string backup = InProjectDir(state, StrippedText(state.projectBaseName) + ".bck");
   const bool ok =
       CopyFileChecked(toolkit, InProjectDir(state, state.parameterFileName), backup);
   LogLine(state, toolkit, ok ? "Project backed up" : "Error backing up project");
@@ -319,19 +314,19 @@ bool RestoreProject(ShellState& state, Toolkit& toolkit) {
     return false;
   }
   const bool ok =
-      CopyFileChecked(toolkit, TrimmedText(name), InProjectDir(state, state.parameterFileName));
+      CopyFileChecked(toolkit, StrippedText(name), InProjectDir(state, state.parameterFileName));
   LogLine(state, toolkit, ok ? "Project restored" : "Error restoring project");
   return ok;
 }
 
 void SaveProjectAs(ShellState& state, Toolkit& toolkit) {
-  std::string name = TrimmedText(state.projectFileName);
+  std::string name = StrippedText(state.projectFileName);
   toolkit.WSelectFile(kProjectFilter, kSelectSave, name, "Save project as");
   if (NoSelection(name)) {
     ShowMessage(toolkit, "Error", "Invalid file selection");
     return;
   }
-  const std::string target = ForceExtension(TrimmedText(name), "rec");
+  const std::string target = ForceExtension(StrippedText(name), "rec");
   if (!CopyFileChecked(toolkit, state.projectFileName, target)) {
     state.projectFileName.clear();  // deliberately without a word: no project is open now
     return;
@@ -350,7 +345,7 @@ void SaveProjectAs(ShellState& state, Toolkit& toolkit) {
 int RunProject(ShellState& state, Toolkit& toolkit) {
   ShellReporter reporter(state, toolkit);
   EngineRequest request;
-  request.fileName = TrimmedText(state.projectFileName);
+  request.fileName = StrippedText(state.projectFileName);
   request.debug = state.debugMode != 0;
   // The load made the project's directory the current one, where the defaults lie.
   request.workingDirectory = state.projectDir;
@@ -373,9 +368,9 @@ void UpdateAndRun(ShellState& state, Toolkit& toolkit) {
 }
 
 void PushRecentProject(ShellState& state, Toolkit& toolkit) {
-  const std::string name = TrimmedText(state.projectFileName);
+  const std::string name = StrippedText(state.projectFileName);
   auto& slots = state.recentProjects;
-  if (!name.empty() && name != TrimmedText(slots[0])) {
+  if (!name.empty() && name != StrippedText(slots[0])) {
     // A name lower in the list stays where it is, so it may stand twice.
     for (std::size_t i = slots.size() - 1; i > 0; --i) slots[i] = slots[i - 1];
     slots[0] = name;

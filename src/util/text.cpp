@@ -98,6 +98,8 @@ std::size_t TrimmedLength(std::string_view text) {
 
 std::string_view Trimmed(std::string_view text) { return text.substr(0, TrimmedLength(text)); }
 
+std::string StrippedText(std::string_view text) { return std::string(Stripped(text)); }
+
 bool IsNumberText(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) {
     return (c >= '+' && c <= '9') || c == ' ' || c == '\t' || c == 'E' || c == 'e';

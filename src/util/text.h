@@ -50,6 +50,9 @@ std::size_t TrimmedLength(std::string_view text);
 // The text without its trailing blanks.
 std::string_view Trimmed(std::string_view text);
 
+// The text without its leading and trailing blanks.
+std::string StrippedText(std::string_view text);
+
 // True when the text holds only blanks, "E", "e" and the characters "+" to "9" (that is
 // "+,-./" and the digits): how the raw data readers tell a line of numbers from a header.
 // A tab counts as a blank, as many data files separate their columns with tabs.

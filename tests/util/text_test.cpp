@@ -37,6 +37,12 @@ TEST(Trimming, DropsOnlyTrailingBlanks) {
   EXPECT_EQ(TrimmedLength(""), 0u);
 }
 
+TEST(Trimming, StrippedTextDropsBlanksOnBothSides) {
+  EXPECT_EQ(StrippedText("  ab c   "), "ab c");
+  EXPECT_EQ(StrippedText("   "), "");
+  EXPECT_EQ(StrippedText("x"), "x");
+}
+
 TEST(IndexOf, IsOneBasedAndIgnoresTrailingBlanks) {
   EXPECT_EQ(IndexOf("CELL  5.4", "CELL"), 1);
   EXPECT_EQ(IndexOf("_cell_length_a 5.4", "th_a  "), 11);
