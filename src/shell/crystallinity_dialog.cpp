@@ -20,13 +20,10 @@ void CrystallinityDialog(ShellState& state, Toolkit& toolkit) {
   toolkit.WDialogShow(-1, -1, 0, kDialogModeless);
   Crystallinity result;
   bool calculated = false, accepted = false;
-  for (;;) {
-    const Message message = toolkit.WMessageGet();
-    if (message.type == kCloseRequest) break;
-    if (message.type != kPushButton) continue;
+  while (const int button = NextDialogButton(toolkit)) {
     in.limits.minimum = static_cast<float>(toolkit.WDialogGetReal(kCrystallinityMinimum));
     in.limits.maximum = static_cast<float>(toolkit.WDialogGetReal(kCrystallinityMaximum));
-    if (message.value == kCrystallinityCalculate || message.value == kIdOk) {
+    if (button == kCrystallinityCalculate || button == kIdOk) {
       result = CalculateCrystallinity(in.summary, in.limits);
       calculated = result.status == CrystallinityStatus::kOk;
       // A summary that does not read shows as no result.
@@ -36,8 +33,8 @@ void CrystallinityDialog(ShellState& state, Toolkit& toolkit) {
         toolkit.WDialogClearField(kCrystallinityResult);
       }
     }
-    if (message.value == kIdOk || message.value == kIdCancel) {
-      accepted = message.value == kIdOk;
+    if (button == kIdOk || button == kIdCancel) {
+      accepted = button == kIdOk;
       break;
     }
   }

@@ -34,15 +34,12 @@ void AddAtomsDialog(ShellState& state, Toolkit& toolkit) {
   FillGrid(toolkit, peaks);
   toolkit.WDialogShow(-1, -1, 0, kDialogModeless);
   int row = 0;  // Cancel
-  for (;;) {
-    const Message message = toolkit.WMessageGet();
-    if (message.type == kCloseRequest) break;
-    if (message.type != kPushButton) continue;
-    if (message.value == kPeakAdd) {
+  while (const int button = NextDialogButton(toolkit)) {
+    if (button == kPeakAdd) {
       row = toolkit.WDialogGetInteger(kPeakChosenRow);
       break;
     }
-    if (message.value == kIdCancel) break;
+    if (button == kIdCancel) break;
   }
   toolkit.WDialogUnload();
   if (row != 0) AddPeakAsAtom(InProjectDir(state, state.parameterFileName), peaks, row, reporter);

@@ -238,32 +238,26 @@ void PreferencesDialog(ShellState& state, Toolkit& toolkit) {
   toolkit.WDialogPutReal(kMinW, p.minimumW);
   toolkit.WDialogShow(-1, -1, 0, kDialogModeless);
   bool accepted = false;
-  for (;;) {
-    const Message message = toolkit.WMessageGet();
-    if (message.type == kCloseRequest) break;
-    if (message.type != kPushButton) continue;
-    if (message.value == kIdOk || message.value == kIdCancel) {
-      accepted = message.value == kIdOk;
+  while (const int button = NextDialogButton(toolkit)) {
+    if (button == kIdOk || button == kIdCancel) {
+      accepted = button == kIdOk;
       break;
     }
     std::string name;
     int field = 0;
-    if (message.value == kBrowseEditor || message.value == kBrowseViewer) {
-      const bool editor = message.value == kBrowseEditor;
+    if (button == kBrowseEditor || button == kBrowseViewer) {
+      const bool editor = button == kBrowseEditor;
       field = editor ? kEditor : kViewer;
       name = "*.exe";
       toolkit.WSelectFile("Program|*.exe|", 136, name,
                           editor ? "Select editor" : "Select visualizer");
-    } else if (message.value == kBrowseDir) {
+    } else if (button == kBrowseDir) {
       field = kDir;
       toolkit.WSelectDir(0, name, "Select starting directory");
     } else {
       continue;
     }
-    const std::string left = LeftJustify(name);
-    if (TrimmedLength(left) != 0 && left.front() != '*') {
-      toolkit.WDialogPutString(field, Trimmed(left));
-    }
+    if (!NoSelection(name)) toolkit.WDialogPutString(field, StrippedText(name));
   }
   if (accepted) {
     p.editorPath = toolkit.WDialogGetString(kEditor);

@@ -23,11 +23,6 @@ constexpr int kSelectOpen = 136;
 constexpr int kSelectOpenBackup = 128;
 constexpr int kSelectSave = 11;
 
-bool NoSelection(std::string_view name) {
-  const std::string_view trimmed = Trimmed(name);
-  return trimmed.empty() || LeftJustify(trimmed).front() == '*';
-}
-
 // A text record's value, or `fallback` when the record is absent or blank.
 std::string NameRecord(RecordStore& store, std::string_view key, const std::string& fallback) {
   std::string value = FindText(store, key, "");
@@ -57,12 +52,9 @@ bool AskCifProject(Toolkit& toolkit, std::string& cif, std::string& project) {
   toolkit.WDialogLoad(kDialog);
   toolkit.WDialogShow(-1, -1, 0, kDialogModeless);
   bool accepted = false;
-  for (;;) {
-    const Message message = toolkit.WMessageGet();
-    if (message.type == kCloseRequest) break;
-    if (message.type != kPushButton) continue;
-    if (message.value == kBrowseCif || message.value == kBrowseProject) {
-      const bool forCif = message.value == kBrowseCif;
+  while (const int button = NextDialogButton(toolkit)) {
+    if (button == kBrowseCif || button == kBrowseProject) {
+      const bool forCif = button == kBrowseCif;
       std::string name = forCif ? "*.cif" : "*.rec";
       toolkit.WSelectFile(forCif ? "CIF|*.cif|" : kProjectFilter,
                           forCif ? kSelectOpen : kSelectSave, name,
@@ -70,8 +62,8 @@ bool AskCifProject(Toolkit& toolkit, std::string& cif, std::string& project) {
       if (!NoSelection(name)) {
         toolkit.WDialogPutString(forCif ? kCifField : kProjectField, StrippedText(name));
       }
-    } else if (message.value == kIdOk || message.value == kIdCancel) {
-      accepted = message.value == kIdOk;
+    } else if (button == kIdOk || button == kIdCancel) {
+      accepted = button == kIdOk;
       break;
     }
   }

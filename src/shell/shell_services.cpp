@@ -1,4 +1,4 @@
-// Log lines, boxes, checked file operations, date text and status bar.
+// Log lines, boxes, checked file operations, date text, status bar and dialog buttons.
 #include "shell/shell_services.h"
 
 #include <algorithm>
@@ -52,6 +52,19 @@ void SetStatusField(Toolkit& toolkit, int field, std::string_view text) {
   toolkit.WindowSelect(kMainWindow);
   toolkit.WindowStatusBar(field, Trimmed(text));
   toolkit.WindowSelect(kMainWindow);
+}
+
+int NextDialogButton(Toolkit& toolkit) {
+  for (;;) {
+    const Message message = toolkit.WMessageGet();
+    if (message.type == kCloseRequest) return 0;
+    if (message.type == kPushButton) return message.value;
+  }
+}
+
+bool NoSelection(std::string_view name) {
+  const std::string_view trimmed = Trimmed(name);
+  return trimmed.empty() || LeftJustify(trimmed).front() == '*';
 }
 
 void ShellReporter::LogLine(std::string_view line) { kaldena::LogLine(state_, toolkit_, line); }

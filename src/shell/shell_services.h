@@ -1,5 +1,6 @@
 // The small services every shell command uses: log lines, boxes, checked file copies and
-// deletions, the date text and the status bar, all through the toolkit.
+// deletions, the date text, the status bar and the buttons of a dialog, all through the
+// toolkit.
 #pragma once
 
 #include <string>
@@ -24,6 +25,12 @@ bool DeleteFileChecked(Toolkit& toolkit, std::string_view name);
 // and "14:05" follow.
 std::string DateTimeText(Toolkit& toolkit, int width);
 void SetStatusField(Toolkit& toolkit, int field, std::string_view text);
+// The button pushed next in the shown dialog, or 0 when its window is closed; other messages
+// pass unseen.
+int NextDialogButton(Toolkit& toolkit);
+// True when a file or directory selection came back blank or as its wildcard ("*.rec"):
+// nothing was chosen.
+bool NoSelection(std::string_view name);
 
 // The shell's words for the lower layers (record store, engine): log lines into the log
 // window, boxes and questions through the toolkit.
