@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -18,6 +16,7 @@ namespace kaldena {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ExpectGolden;
 using testing::ReadBytes;
 using testing::ScratchDir;
 using testing::TestData;
@@ -95,9 +94,7 @@ TEST_P(InputGolden, ListFileHeadMatches) {
   const std::string name = GetParam();
   InputRun run(Project(name));
   ASSERT_EQ(run.status, InputStatus::kOk) << run.ListText();
-  const fs::path golden = TestData("engine/input/" + name + ".out");
-  if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden) << run.ListText();
-  EXPECT_EQ(run.ListText(), ReadBytes(golden));
+  ExpectGolden(run.ListText(), TestData("engine/input/" + name + ".out"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Projects, InputGolden,

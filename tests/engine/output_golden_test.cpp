@@ -2,9 +2,7 @@
 // comparison and a short refinement. KALDENA_UPDATE_GOLDEN=1 rewrites them.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <vector>
 
 #include "engine/run_engine.h"
@@ -14,6 +12,7 @@ namespace kaldena {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ExpectGolden;
 using testing::ReadBytes;
 using testing::TestData;
 
@@ -45,10 +44,8 @@ TEST_P(OutputGolden, FilesMatch) {
   std::vector<std::string> extensions = {".out", ".sum", ".fou"};
   if (name == "refinement" || name == "corundum") extensions.push_back(".par");
   for (const std::string& extension : extensions) {
-    const std::string actual = ReadBytes(dir.Path() / ("%" + name + extension));
-    const fs::path golden = TestData("engine/output/" + name + extension);
-    if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden, std::ios::binary) << actual;
-    EXPECT_EQ(actual, ReadBytes(golden)) << golden;
+    ExpectGolden(ReadBytes(dir.Path() / ("%" + name + extension)),
+                 TestData("engine/output/" + name + extension));
   }
 }
 

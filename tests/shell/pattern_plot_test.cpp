@@ -6,10 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 
 #include "engine/run_engine.h"
 #include "support/refined_example.h"
@@ -170,9 +168,7 @@ TEST_F(RefinedCorundum, PatternPlotMatchesItsGoldenSvg) {
     while (end < svg.size() && std::isdigit(static_cast<unsigned char>(svg[end]))) ++end;
     svg.replace(at + 7, end - at - 7, "N");
   }
-  const fs::path golden = testing::TestData("shell/corundum_pattern.svg");
-  if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden, std::ios::binary) << svg;
-  EXPECT_EQ(svg, ReadBytes(golden));
+  testing::ExpectGolden(svg, testing::TestData("shell/corundum_pattern.svg"));
 }
 
 TEST_F(RefinedCorundum, PngShowsTheCurvesInTheirColours) {

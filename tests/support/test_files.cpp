@@ -5,6 +5,8 @@
 #include <iterator>
 #include <random>
 
+#include <gtest/gtest.h>
+
 namespace kaldena::testing {
 
 namespace fs = std::filesystem;
@@ -41,6 +43,11 @@ fs::path ScratchDir::Write(std::string_view name, std::string_view bytes) const 
 std::string ReadBytes(const fs::path& file) {
   std::ifstream in(file, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void ExpectGolden(std::string_view actual, const fs::path& golden) {
+  if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden, std::ios::binary) << actual;
+  EXPECT_EQ(actual, ReadBytes(golden)) << "golden file " << golden;
 }
 
 }  // namespace kaldena::testing

@@ -31,4 +31,8 @@ class ScratchDir {
 
 std::string ReadBytes(const std::filesystem::path& file);
 
+// Expects `actual` to equal the golden file byte for byte; with KALDENA_UPDATE_GOLDEN set the
+// golden file is rewritten from it first.
+void ExpectGolden(std::string_view actual, const std::filesystem::path& golden);
+
 }  // namespace kaldena::testing

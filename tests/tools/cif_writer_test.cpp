@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <sstream>
 
@@ -118,12 +117,6 @@ class RefinedCorundum : public ::testing::Test {
   std::string project;
 };
 
-void CompareWithGolden(const std::string& text, const char* name) {
-  const fs::path golden = testing::TestData(std::string("tools/") + name);
-  if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden, std::ios::binary) << text;
-  EXPECT_EQ(text, ReadBytes(golden)) << "golden file " << golden;
-}
-
 TEST_F(RefinedCorundum, CifMatchesItsGoldenFile) {
   ASSERT_TRUE(ok);
   RecordingReporter reporter;
@@ -132,7 +125,7 @@ TEST_F(RefinedCorundum, CifMatchesItsGoldenFile) {
   EXPECT_EQ(reporter.log.front(), "Starting CIF");
   EXPECT_TRUE(reporter.messages.empty());
   const std::string text = ReadBytes(cif);
-  CompareWithGolden(text, "corundum.cif");
+  testing::ExpectGolden(text, testing::TestData("tools/corundum.cif"));
   // One phase: no plain-text phase heading; isotropic atoms: no aniso loop; both geometry
   // loops with the centre's own site as ".".
   EXPECT_EQ(text.find("* PHASE NO."), std::string::npos);
@@ -149,7 +142,7 @@ TEST_F(RefinedCorundum, RawReportMatchesItsGoldenFileWithARowPerSummaryPoint) {
   ASSERT_EQ(RawReportFileName(project), report);
   ASSERT_EQ(WriteRawReport(project, report, reporter), RawReportStatus::kOk);
   const std::string text = ReadBytes(report);
-  CompareWithGolden(text, "corundum.rcf");
+  testing::ExpectGolden(text, testing::TestData("tools/corundum.rcf"));
   std::istringstream summary(ReadBytes(SummaryFileOf(project, reporter)));
   int points = 0;
   for (std::string line; std::getline(summary, line);) points += !line.empty();

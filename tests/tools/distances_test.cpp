@@ -7,9 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -23,6 +21,7 @@ namespace kaldena {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ExpectGolden;
 using testing::ReadBytes;
 using testing::ScratchDir;
 using testing::TestData;
@@ -503,10 +502,7 @@ TEST(Distances, RefinedCorundumGolden) {
     ASSERT_TRUE(
         RunDistan((dir.Path() / "corundum.rec").string(), list.string(), reporter, options));
     EXPECT_TRUE(reporter.log.empty());
-    const std::string actual = ReadBytes(list);
-    const fs::path golden = TestData(std::string("tools/") + name);
-    if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden, std::ios::binary) << actual;
-    EXPECT_EQ(actual, ReadBytes(golden)) << golden;
+    ExpectGolden(ReadBytes(list), TestData(std::string("tools/") + name));
   }
 }
 

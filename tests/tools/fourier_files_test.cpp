@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -16,14 +15,10 @@ namespace kaldena {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ExpectGolden;
 using testing::ReadBytes;
 using testing::ScratchDir;
 using testing::TestData;
-
-void ExpectGolden(const std::string& actual, const fs::path& golden) {
-  if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden, std::ios::binary) << actual;
-  EXPECT_EQ(actual, ReadBytes(golden)) << golden;
-}
 
 // One atom of P -1 at 0.313 0.522 0.235 (F = 20 cos 2 pi h.x, map type 5), in a box of
 // 9 points an axis around it.

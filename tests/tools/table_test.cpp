@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "engine/run_engine.h"
 #include "support/refined_example.h"
@@ -49,9 +47,7 @@ TEST_F(RefinedExample, TableMatchesItsGoldenFile) {
   for (size_t at; (at = text.find(dir.Path().string() + "/")) != std::string::npos;) {
     text.erase(at, dir.Path().string().size() + 1);
   }
-  const fs::path golden = testing::TestData("tools/corundum.tab");
-  if (std::getenv("KALDENA_UPDATE_GOLDEN")) std::ofstream(golden, std::ios::binary) << text;
-  EXPECT_EQ(text, ReadBytes(golden));
+  testing::ExpectGolden(text, testing::TestData("tools/corundum.tab"));
   // One phase: no quantitative analysis; isotropic atoms: no expression line.
   EXPECT_EQ(text.find("Quantitative analysis"), std::string::npos);
   EXPECT_EQ(text.find("Temperature factor expression"), std::string::npos);
