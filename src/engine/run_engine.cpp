@@ -86,8 +86,7 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
 std::vector<std::string> ReadRecordLines(std::istream& batch) {
   std::vector<std::string> lines;
   std::string line;
-  while (static_cast<int>(lines.size()) < kMaxBatchRecords && std::getline(batch, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  while (static_cast<int>(lines.size()) < kMaxBatchRecords && GetTextLine(batch, line)) {
     if (Trimmed(line).empty()) break;
     lines.push_back(line);
   }
@@ -113,8 +112,7 @@ void ApplyRecordLines(const std::string& project, const std::vector<std::string>
 
 bool NextName(std::istream& batch, std::string& name) {
   std::string line;
-  if (!std::getline(batch, line)) return false;
-  if (!line.empty() && line.back() == '\r') line.pop_back();
+  if (!GetTextLine(batch, line)) return false;
   name = std::string(Trimmed(line));
   while (!name.empty() && name.front() == ' ') name.erase(name.begin());
   if (name.empty()) return false;

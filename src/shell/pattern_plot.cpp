@@ -16,12 +16,6 @@ namespace {
 // The run-time library's number for a value that does not read, which the log lines show.
 constexpr int kReadErrorNumber = 5010;
 
-bool NextLine(std::istream& in, std::string& line) {
-  if (!std::getline(in, line)) return false;
-  if (!line.empty() && line.back() == '\r') line.pop_back();
-  return true;
-}
-
 // One summary line: two-theta, observed, calculated, background and `phases` phase columns.
 bool ReadSummaryLine(const std::string& line, int phases, std::array<float, 14>& v) {
   v.fill(0.0f);
@@ -38,7 +32,7 @@ void ReadBraggPositions(const std::string& fileName, PlotData& data) {
   if (!in) return;  // a pattern without reflections yet
   std::string line;
   float shift = 0.0f, previous = 0.0f;
-  while (static_cast<int>(data.braggPositions.size()) < kMaxReflections && NextLine(in, line)) {
+  while (static_cast<int>(data.braggPositions.size()) < kMaxReflections && GetTextLine(in, line)) {
     int h = 0, k = 0, l = 0, phase = 0;
     std::array<float, 7> r{};
     if (Read(line, "(4i4,7f12.0)", h, k, l, phase, r[0], r[1], r[2], r[3], r[4], r[5], r[6]) !=
@@ -97,7 +91,7 @@ SummaryStatus ReadPlotData(const SummarySources& sources, PlotData& data, Report
   if (phases > 1) read.phaseCurves.assign(static_cast<size_t>(phases), {});
   std::string line;
   std::array<float, 14> v{};
-  while (read.PointCount() <= kSummaryPointLimit && NextLine(in, line)) {
+  while (read.PointCount() <= kSummaryPointLimit && GetTextLine(in, line)) {
     if (!ReadSummaryLine(line, phases, v)) break;
     read.twoTheta.push_back(v[0]);
     read.observed.push_back(v[1]);

@@ -156,8 +156,7 @@ bool ListProject(const std::string& file, std::ostream& stream, Reporter& report
 // The next project name of a list, with the extension rec; false at a blank line or the end.
 bool NextProject(std::istream& list, std::string& name) {
   std::string line;
-  if (!std::getline(list, line)) return false;
-  if (!line.empty() && line.back() == '\r') line.pop_back();
+  if (!GetTextLine(list, line)) return false;
   std::string_view text = Trimmed(line);
   while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
   if (text.empty()) return false;

@@ -155,8 +155,7 @@ AddPeakStatus ReadPeakChoices(std::string_view peakFile, std::vector<PeakEntry>&
     return AddPeakStatus::kFailed;
   }
   std::string line;
-  while (static_cast<int>(peaks.size()) < kMaxPeakChoices && std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  while (static_cast<int>(peaks.size()) < kMaxPeakChoices && GetTextLine(in, line)) {
     PeakEntry peak;
     // A line that does not read ends the list, as the end of the file would.
     if (Read(line, "(10x,a4,6x,3f10.0)", peak.label, peak.x, peak.y, peak.z) != ReadStatus::kOk) {

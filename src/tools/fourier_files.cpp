@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "util/column_format.h"
+#include "util/text.h"
 
 namespace kaldena {
 
@@ -35,29 +36,19 @@ std::string PlotFileSections(const FourierMap& map, const std::array<float, 6>& 
   return text;
 }
 
-namespace {
-
-bool NextLine(std::istream& in, std::string& line) {
-  if (!std::getline(in, line)) return false;
-  if (!line.empty() && line.back() == '\r') line.pop_back();
-  return true;
-}
-
-}  // namespace
-
 bool ReadPlotFile(std::istream& in, PlotFile& plot) {
   plot = PlotFile{};
   std::string line;
   int count = 0;
   auto& c = plot.cell;
-  if (!NextLine(in, line) ||
+  if (!GetTextLine(in, line) ||
       Read(line, "(I5,6F10.0)", count, c[0], c[1], c[2], c[3], c[4], c[5]) != ReadStatus::kOk) {
     return false;
   }
   for (int i = 0; i < count; ++i) {
-    if (!NextLine(in, line)) return false;
+    if (!GetTextLine(in, line)) return false;
   }
-  if (!NextLine(in, line)) return false;
+  if (!GetTextLine(in, line)) return false;
   plot.title = line.substr(0, std::min<size_t>(line.size(), 10));
   plot.title.resize(10, ' ');
 
@@ -72,7 +63,7 @@ bool ReadPlotFile(std::istream& in, PlotFile& plot) {
   };
   for (int iz = 0;; ++iz) {
     float mark = 0.0f, rmax = 0.0f;
-    if (!NextLine(in, line) || Read(line, "(2F10.0)", mark, rmax) != ReadStatus::kOk) {
+    if (!GetTextLine(in, line) || Read(line, "(2F10.0)", mark, rmax) != ReadStatus::kOk) {
       return finish(false);
     }
     plot.rmax = rmax;
@@ -81,7 +72,7 @@ bool ReadPlotFile(std::istream& in, PlotFile& plot) {
       auto& l = plot.limits;
       auto& s = plot.steps;
       auto& p = plot.points;
-      if (!NextLine(in, line) ||
+      if (!GetTextLine(in, line) ||
           Read(line, "(9F10.0,3I5)", l[0], l[1], l[2], l[3], l[4], l[5], s[0], s[1], s[2], p[0],
                p[1], p[2]) != ReadStatus::kOk) {
         return finish(false);
@@ -98,7 +89,7 @@ bool ReadPlotFile(std::istream& in, PlotFile& plot) {
     }
     std::vector<int> section;
     for (int iy = 0; iy < plot.points[1]; ++iy) {
-      if (!NextLine(in, line) || ReadFormatted(line, rowFormat, targets) != ReadStatus::kOk) {
+      if (!GetTextLine(in, line) || ReadFormatted(line, rowFormat, targets) != ReadStatus::kOk) {
         return finish(false);
       }
       section.insert(section.end(), row.begin(), row.end());

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "util/column_format.h"
+#include "util/text.h"
 
 namespace kaldena {
 
@@ -178,8 +179,7 @@ FourierStatus ExpandReflections(std::istream& fou, const FourierOptions& options
   bool first = true;
   float previousTwoTheta = 0.0f;
   std::string line;
-  while (readFile && std::getline(fou, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  while (readFile && GetTextLine(fou, line)) {
     FourierFileLine r;
     // A line that does not read ends the file as its end mark would.
     if (!ReadFourierFileLine(line, r) || r.h == 999) break;

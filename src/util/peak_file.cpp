@@ -4,6 +4,8 @@
 #include <fstream>
 #include <string>
 
+#include "util/text.h"
+
 namespace kaldena {
 
 int ReadPeakFile(std::string_view peakFile, std::string_view projectFile, Reporter& reporter) {
@@ -23,8 +25,7 @@ int ReadPeakFile(std::string_view peakFile, std::string_view projectFile, Report
     return -1;
   }
   int count = 0;
-  for (std::string line; std::getline(in, line); ++count) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  for (std::string line; GetTextLine(in, line); ++count) {
     out << line << '\n';
   }
   return count;

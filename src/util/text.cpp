@@ -1,6 +1,7 @@
 #include "util/text.h"
 
 #include <algorithm>
+#include <istream>
 
 namespace kaldena {
 
@@ -99,6 +100,12 @@ std::size_t TrimmedLength(std::string_view text) {
 std::string_view Trimmed(std::string_view text) { return text.substr(0, TrimmedLength(text)); }
 
 std::string StrippedText(std::string_view text) { return std::string(Stripped(text)); }
+
+bool GetTextLine(std::istream& in, std::string& line) {
+  if (!std::getline(in, line)) return false;
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  return true;
+}
 
 bool IsNumberText(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +53,10 @@ std::string_view Trimmed(std::string_view text);
 
 // The text without its leading and trailing blanks.
 std::string StrippedText(std::string_view text);
+
+// The next line of a text file without its end, "\r\n" as well as "\n", as files written on
+// Windows end theirs; false at the end of the file.
+bool GetTextLine(std::istream& in, std::string& line);
 
 // True when the text holds only blanks, "E", "e" and the characters "+" to "9" (that is
 // "+,-./" and the digits): how the raw data readers tell a line of numbers from a header.

@@ -1,5 +1,9 @@
 #include "util/text.h"
 
+#include <sstream>
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace kaldena {
@@ -41,6 +45,13 @@ TEST(Trimming, StrippedTextDropsBlanksOnBothSides) {
   EXPECT_EQ(StrippedText("  ab c   "), "ab c");
   EXPECT_EQ(StrippedText("   "), "");
   EXPECT_EQ(StrippedText("x"), "x");
+}
+
+TEST(GetTextLine, DropsTheLineEndOfEitherSystem) {
+  std::istringstream in("a\r\nb\n\r\nlast");
+  std::vector<std::string> lines;
+  for (std::string line; GetTextLine(in, line);) lines.push_back(line);
+  EXPECT_EQ(lines, (std::vector<std::string>{"a", "b", "", "last"}));
 }
 
 TEST(IndexOf, IsOneBasedAndIgnoresTrailingBlanks) {
