@@ -135,8 +135,6 @@ std::string WithoutBrackets(std::string_view text) {
   return result;
 }
 
-std::string Stripped(std::string_view text) { return std::string(Trimmed(LeftJustify(text))); }
-
 // Takes the setting off behind the symbol: ":R", ":H", ":1" or, for an R lattice, a last word
 // "R" or "H". True for rhombohedral axes, which the reader takes from a trailing R field;
 // hexagonal axes are its default, and an origin choice it cannot be told.
@@ -145,7 +143,7 @@ bool SplitSetting(std::string& text) {
   const std::size_t colon = text.find(':');
   const std::size_t lastBlank = text.rfind(' ');
   if (colon != std::string::npos) {
-    setting = Stripped(std::string_view(text).substr(colon + 1));
+    setting = StrippedText(std::string_view(text).substr(colon + 1));
     text.erase(colon);
   } else if (text.front() == 'R' && lastBlank != std::string::npos) {
     setting = text.substr(lastBlank + 1);
@@ -312,7 +310,7 @@ int OriginChoiceIndex(std::string_view symbol) {
 }
 
 std::string ConvertPrintedSymbol(std::string_view symbol) {
-  const std::string text = Stripped(UpperText(WithoutBrackets(symbol)));
+  const std::string text = StrippedText(UpperText(WithoutBrackets(symbol)));
   if (text.empty() || kLatticeLetters.find(text.front()) == std::string_view::npos) {
     return std::string(symbol);
   }
