@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "toolkit/recording_canvas.h"
 #include "toolkit/toolkit.h"
 
 namespace kaldena {
@@ -94,6 +95,9 @@ class ScriptedToolkit : public Toolkit {
   // Graphics calls as text ("move 1 2", "line 3 4", "text 5 6 abc", "colour Black", ...).
   const std::vector<std::string>& Drawing() const { return drawing_; }
   const std::vector<int>& DialogsShown() const { return dialogsShown_; }
+  // What the plots drew on the window canvas since its last Clear; it is 1280 by 800 pixels
+  // unless a test resizes it.
+  RecordingCanvas& RecordedCanvas() { return windowCanvas_; }
   // Field values of a dialog as they stood when it was unloaded, or stand now.
   std::string DialogField(int dialog, int field) const;
   bool QueueEmpty() const { return messages_.empty(); }
@@ -183,6 +187,7 @@ class ScriptedToolkit : public Toolkit {
   void IGrAreaClear() override;
   int WGrInput(int mode, double& x, double& y) override;
   void WCursorShape(int) override {}
+  Canvas& WindowCanvas() override { return windowCanvas_; }
 
   void IGrPlotMode(std::string_view mode) override;
   void IGrHardcopySelect(int, int driver) override;
@@ -253,6 +258,7 @@ class ScriptedToolkit : public Toolkit {
   std::vector<std::vector<std::string>> commands_;
   std::vector<std::string> directoryChanges_;
   std::vector<std::string> drawing_;
+  RecordingCanvas windowCanvas_{1280, 800};
   std::vector<int> dialogsShown_;
 };
 

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "toolkit/canvas.h"
+
 namespace kaldena {
 
 // Message types of the queue.
@@ -198,6 +200,10 @@ class Toolkit {
   // Mode 3: rubber band from x, y; gives the other corner and 5 for a button release.
   virtual int WGrInput(int mode, double& x, double& y) = 0;
   virtual void WCursorShape(int shape) = 0;
+  // The plots' drawing surface on the selected window, in pixels of its client area. What is
+  // drawn shows when the drawing routine returns to the message loop; the window keeps it for
+  // repaints until the next drawing.
+  virtual Canvas& WindowCanvas() = 0;
 
   // --- Hardcopy
   // "H" hardcopy, blank screen.
