@@ -228,8 +228,8 @@ int LoadProject(ShellState& state, Toolkit& toolkit) {
   }
   state.addPhaseFile.clear();
   state.addPhaseSource = 2;
-  state.plotContent = state.job.Phases() > 1 ? 29 : 31;
-  state.phaseShown.fill(true);
+  state.plot.view.content = state.job.Phases() > 1 ? 29 : 31;
+  state.plot.view.phaseShown.fill(true);
   EnablePhaseMenus(state, toolkit);
   ShowPattern(state, toolkit);
   return 0;
