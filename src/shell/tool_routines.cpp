@@ -3,7 +3,9 @@
 #include "shell/cif_phase_import.h"
 #include "shell/crystallinity_dialog.h"
 #include "shell/main_window.h"
+#include "shell/option_dialogs.h"
 #include "shell/peak_dialog.h"
+#include "shell/plot_dialogs.h"
 #include "shell/plot_window.h"
 #include "shell/project_lifecycle.h"
 #include "shell/shell_services.h"
@@ -39,6 +41,11 @@ ShellRoutines ToolRoutines() {
   r.plotKey = PlotKey;
   r.plotMouse = PlotMouse;
   r.fullPattern = ShowFullPattern;
+  r.plotOptions = PlotOptionsDialog;
+  r.plotFourierMaps = FourierPlotDialog;
+  r.distanceOptions = DistanceOptionsDialog;
+  r.tableOptions = TableOptionsDialog;
+  r.fourierOptions = FourierOptionsDialog;
   r.cif = CifOfProject;
   r.cifRawReport = WriteRawReportOfProject;
   r.crystallinity = CrystallinityDialog;
