@@ -66,6 +66,12 @@ TEST(PlotDialogs, PlotOptionsKeepCurvesAndColoursOnOkAndNothingOnCancel) {
 
 TEST(PlotDialogs, TheFourierPlotStepsThroughTheSectionsOfItsAxis) {
   Session s;
+  // Before a Fourier calculation there is no plot file: no dialog, and the pattern stays.
+  DispatchMenu(s.shell, menu::kPlotFourierMaps);
+  EXPECT_TRUE(s.Logged("Error opening plotfile"));
+  EXPECT_TRUE(s.toolkit.DialogsShown().empty());
+  EXPECT_EQ(s.state.plotMode, 1);
+
   DispatchMenu(s.shell, menu::kFourierCalculation);
   // Previous from the first section gives the last along Z.
   s.toolkit.QueueDialog({kFourierPlotDialog, {}, {kFourierPrevious, kIdCancel}});
