@@ -172,6 +172,7 @@ class ResourceReader {
     if (dialog.id <= 0 || dialog.width <= 0 || dialog.height <= 0) {
       return Fail("dialog id and size must be above 0");
     }
+    if (!GridsLaidOut()) return false;
     for (const DialogResource& other : dialogs_) {
       if (other.id == dialog.id) return Fail("dialog " + std::to_string(dialog.id) + " twice");
     }
@@ -338,8 +339,19 @@ class ResourceReader {
     return true;
   }
 
+  // Every grid of the dialog read last has its line in [Grids].
+  bool GridsLaidOut() {
+    if (dialogs_.empty()) return true;
+    for (const DialogField& field : dialogs_.back().fields) {
+      if (field.kind == FieldKind::kGrid && !field.grid) {
+        return Fail("grid " + std::to_string(field.id) + " has no line in [Grids]");
+      }
+    }
+    return true;
+  }
+
   bool Finish() {
-    if (pendingLines_ == 0) return true;
+    if (pendingLines_ == 0) return GridsLaidOut();
     const DialogField& field = *pendingField_;
     if (field.kind == FieldKind::kMenu) {
       return Fail("menu " + std::to_string(field.id) + " lacks entries");

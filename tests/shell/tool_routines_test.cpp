@@ -9,8 +9,8 @@
 #include "shell/crystallinity_dialog.h"
 #include "shell/peak_dialog.h"
 #include "shell/project_lifecycle.h"
+#include "support/checked_toolkit.h"
 #include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
 
 namespace kaldena {
 namespace {
@@ -40,7 +40,7 @@ struct Session {
   }
 
   testing::ScratchDir dir;
-  ScriptedToolkit toolkit;
+  testing::CheckedToolkit toolkit;
   ShellState state;
   ShellRoutines routines = ToolRoutines();
   ShellContext shell{state, toolkit, routines};

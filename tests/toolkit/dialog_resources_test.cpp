@@ -143,6 +143,8 @@ TEST(DialogResources, MalformedTextsNameTheResourceAndLine) {
                              "TEXT 1 0 0 10 10 \"\"\nREALEDIT 2 0 0 10 10 \"\"\n"
                              "CHECKBOX 3 0 0 10 10 \"\"\nMENU 4 0 0 10 10 \"\"\n"
                              "GRID 5 0 0 10 10 \"\"\n";  // lines 2 to 6
+  EXPECT_EQ(ErrorOf(fields), "test.dlg:6: grid 5 has no line in [Grids]");
+  EXPECT_EQ(ErrorOf(fields + "\n" + head), "test.dlg:8: grid 5 has no line in [Grids]");
   EXPECT_EQ(ErrorOf(fields + "[Checks]\n9 1\n"), "test.dlg:8: dialog 200 has no field 9");
   EXPECT_EQ(ErrorOf(fields + "[Checks]\n1 1\n"),
             "test.dlg:8: field 1 is not a check box or radio button");
