@@ -140,7 +140,8 @@ std::optional<ImageFormat> ImageFormatOf(std::string_view fileName) {
 }
 
 bool IsImageFormat(ImageFormat format) {
-  return format == ImageFormat::kPng || format == ImageFormat::kJpg || format == ImageFormat::kBmp;
+  return format == ImageFormat::kPng || format == ImageFormat::kJpg ||
+         format == ImageFormat::kBmp;
 }
 
 struct CairoCanvas::Impl {
@@ -231,25 +232,18 @@ void CairoCanvas::SetLineStyle(LineStyle style, double width) {
   const double dot = 1.5 * w, gap = 3 * w, dash = 8 * w;
   std::vector<double> pattern;
   switch (style) {
-    case LineStyle::kSolid:
-      break;
-    case LineStyle::kDotted:
-      pattern = {dot, gap};
-      break;
-    case LineStyle::kDashed:
-      pattern = {dash, gap};
-      break;
-    case LineStyle::kDotDash:
-      pattern = {dash, gap, dot, gap};
-      break;
-    case LineStyle::kDotDotDash:
-      pattern = {dash, gap, dot, gap, dot, gap};
-      break;
+    case LineStyle::kSolid: break;
+    case LineStyle::kDotted: pattern = {dot, gap}; break;
+    case LineStyle::kDashed: pattern = {dash, gap}; break;
+    case LineStyle::kDotDash: pattern = {dash, gap, dot, gap}; break;
+    case LineStyle::kDotDotDash: pattern = {dash, gap, dot, gap, dot, gap}; break;
   }
   cairo_set_dash(impl_->cr, pattern.data(), static_cast<int>(pattern.size()), 0);
 }
 
-void CairoCanvas::MoveTo(double x, double y) { cairo_move_to(impl_->cr, x, y); }
+void CairoCanvas::MoveTo(double x, double y) {
+  cairo_move_to(impl_->cr, x, y);
+}
 
 void CairoCanvas::LineTo(double x, double y) {
   if (!cairo_has_current_point(impl_->cr)) cairo_move_to(impl_->cr, x, y);
@@ -305,12 +299,8 @@ bool CairoCanvas::Finish() {
       m.result = cairo_surface_write_to_png(m.surface, m.fileName.c_str()) == CAIRO_STATUS_SUCCESS;
       if (!m.result) m.error = "cannot write " + m.fileName;
       break;
-    case ImageFormat::kJpg:
-      m.result = WriteJpeg(m.surface, m.fileName, m.error);
-      break;
-    case ImageFormat::kBmp:
-      m.result = WriteBmp(m.surface, m.fileName, m.error);
-      break;
+    case ImageFormat::kJpg: m.result = WriteJpeg(m.surface, m.fileName, m.error); break;
+    case ImageFormat::kBmp: m.result = WriteBmp(m.surface, m.fileName, m.error); break;
     default:
       cairo_surface_finish(m.surface);
       m.result = cairo_surface_status(m.surface) == CAIRO_STATUS_SUCCESS;

@@ -6,12 +6,12 @@ namespace {
 
 // Greek letters by their Latin key in the symbol-font order; 0 where there is none.
 const char32_t* GreekFor(char key) {
-  static constexpr char32_t kLower[26] = {U'α', U'β', U'χ', U'δ', U'ε', U'φ', U'γ', U'η', U'ι',
-                                          U'ϕ', U'κ', U'λ', U'μ', U'ν', U'ο', U'π', U'θ', U'ρ',
-                                          U'σ', U'τ', U'υ', U'ϖ', U'ω', U'ξ', U'ψ', U'ζ'};
-  static constexpr char32_t kUpper[26] = {U'Α', U'Β', U'Χ', U'Δ', U'Ε', U'Φ', U'Γ', U'Η', U'Ι',
-                                          U'ϑ', U'Κ', U'Λ', U'Μ', U'Ν', U'Ο', U'Π', U'Θ', U'Ρ',
-                                          U'Σ', U'Τ', U'Υ', U'ς', U'Ω', U'Ξ', U'Ψ', U'Ζ'};
+  static constexpr char32_t kLower[26] = {
+      U'α', U'β', U'χ', U'δ', U'ε', U'φ', U'γ', U'η', U'ι', U'ϕ', U'κ', U'λ', U'μ',
+      U'ν', U'ο', U'π', U'θ', U'ρ', U'σ', U'τ', U'υ', U'ϖ', U'ω', U'ξ', U'ψ', U'ζ'};
+  static constexpr char32_t kUpper[26] = {
+      U'Α', U'Β', U'Χ', U'Δ', U'Ε', U'Φ', U'Γ', U'Η', U'Ι', U'ϑ', U'Κ', U'Λ', U'Μ',
+      U'Ν', U'Ο', U'Π', U'Θ', U'Ρ', U'Σ', U'Τ', U'Υ', U'ς', U'Ω', U'Ξ', U'Ψ', U'Ζ'};
   if (key >= 'a' && key <= 'z') return &kLower[key - 'a'];
   if (key >= 'A' && key <= 'Z') return &kUpper[key - 'A'];
   return nullptr;

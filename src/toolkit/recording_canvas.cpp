@@ -33,8 +33,8 @@ void RecordingCanvas::MoveTo(double x, double y) { Add("move" + Numbers({x, y}))
 
 void RecordingCanvas::LineTo(double x, double y) { Add("line" + Numbers({x, y})); }
 
-void RecordingCanvas::Text(double x, double y, std::string_view text, double height, double angle,
-                           int justification) {
+void RecordingCanvas::Text(double x, double y, std::string_view text, double height,
+                           double angle, int justification) {
   Add("text" + Numbers({x, y, height, angle, static_cast<double>(justification)}) + " " +
       std::string(text));
 }

@@ -55,6 +55,61 @@ TEST(DialogResources, AFieldCarriesItsPlaceAndCompanionData) {
   EXPECT_EQ(dialog->Field(1444), nullptr);
 }
 
+// The dialogs whose titles and ids are described, field by field; the shell's code and the
+// screen both rely on them.
+TEST(DialogResources, DescribedDialogsHaveTheirTitlesAndFieldIds) {
+  struct Expected {
+    int dialog;
+    std::string_view title;
+    std::vector<std::pair<int, FieldKind>> fields;
+  };
+  const FieldKind real = FieldKind::kRealEdit, text = FieldKind::kText;
+  const FieldKind button = FieldKind::kPushButton, radio = FieldKind::kRadioButton;
+  std::vector<Expected> expected = {
+      {102, "About KALDEN", {{1001, FieldKind::kLabel}, {1, button}}},
+      {128,
+       "New project from CIF",
+       {{1382, text}, {1383, text}, {1384, button}, {1385, button}, {1, button}, {2, button}}},
+      {133,
+       "Preferences",
+       {{1426, text},
+        {1427, text},
+        {1428, text},
+        {1429, button},
+        {1430, button},
+        {1431, button},
+        {1432, real},
+        {1433, real},
+        {1434, real}}},
+      {134, "Distance and angle options", {{1464, FieldKind::kCheckBox}}},
+      {136, "Fourier calculation options", {{1480, radio}, {1484, radio}}},
+      {137, "Fourier plot", {{1500, radio}, {1502, radio}, {1503, button}, {2, button}}},
+      {139, "Crystallinity calculation", {{1440, real}, {1441, real}, {1442, real}}},
+      {140, "Add Fourier peaks", {{1450, FieldKind::kGrid}, {1452, button}}},
+  };
+  Expected plotOptions{111, "Plot options", {{1, button}, {2, button}}};
+  for (int i = 0; i < 15; ++i) {
+    plotOptions.fields.emplace_back(1141 + i, FieldKind::kCheckBox);
+    plotOptions.fields.emplace_back(1386 + i, FieldKind::kColourButton);
+  }
+  expected.push_back(plotOptions);
+  for (const Expected& e : expected) {
+    const DialogResource* dialog = FindDialogResource(e.dialog);
+    ASSERT_NE(dialog, nullptr) << e.dialog;
+    EXPECT_EQ(dialog->title, e.title);
+    for (const auto& [id, kind] : e.fields) {
+      const DialogField* field = dialog->Field(id);
+      ASSERT_NE(field, nullptr) << e.dialog << " " << id;
+      EXPECT_EQ(field->kind, kind) << e.dialog << " " << id;
+    }
+  }
+  // The map types' buttons are one group, in the order of the types.
+  const DialogResource& fourier = *FindDialogResource(136);
+  EXPECT_EQ(fourier.Field(1484)->radioGroup, 1480);
+  EXPECT_EQ(fourier.Field(1481)->caption, "Patterson (Fcalc)");
+  EXPECT_EQ(FindDialogResource(134)->Field(1462)->format, "(f10.5)");
+}
+
 TEST(DialogResources, EverySectionReadsIntoItsField) {
   std::vector<DialogResource> dialogs;
   std::string error;
