@@ -80,6 +80,9 @@ class ScriptedToolkit : public Toolkit {
   void SetScreen(int width, int height) { screenWidth_ = width, screenHeight_ = height; }
   // Programs by this name (first argument) fail to start with error 13.
   void FailProgram(std::string program) { failingPrograms_.insert(std::move(program)); }
+  // Dialogs of a resource text, before the built-in ones of the same id; for tests of dialogs
+  // that the program does not have. An error in the text is a problem (ResourceProblems).
+  void AddDialogResources(std::string_view text, std::string_view name);
   // Fixes the clock; otherwise the system clock is read.
   void SetDateTime(const DateTime& when) { fixedTime_ = when; }
 
@@ -248,6 +251,7 @@ class ScriptedToolkit : public Toolkit {
   // exist, and `column` is the column dialog's field that describes the column.
   bool AllowedCell(int grid, int column, int row, std::string_view operation, FieldTest fits,
                    const FieldResource*& columnField);
+  const DialogResource* Resource(int dialog) const;
   void InitialValues(const DialogResource& resource);
   void TakeAnswer(const DialogAnswer& answer);
   void CheckAnswer(const FieldResource& field, const std::string& value);
@@ -276,6 +280,7 @@ class ScriptedToolkit : public Toolkit {
   int currentDialog_ = 0;
   std::map<int, Dialog> dialogs_state_;
   std::vector<std::string> resourceProblems_;
+  std::deque<DialogResource> ownResources_;  // a deque: loaded dialogs point into it
 
   std::vector<EditLine> editLines_;
   std::map<int, std::string> statusFields_;

@@ -119,7 +119,7 @@ bool ScriptedToolkit::AllowedCell(int grid, int column, int row, std::string_vie
     Problem(operation, "grid " + IdText(grid) + " has no column " + IdText(column));
     return false;
   }
-  const DialogResource* columns = FindDialogResource(layout.columnDialog);
+  const DialogResource* columns = Resource(layout.columnDialog);
   if (columns == nullptr || static_cast<int>(columns->fields.size()) < column) {
     Problem(operation, "grid " + IdText(grid) + " lacks its column dialog");
     return false;
@@ -131,6 +131,20 @@ bool ScriptedToolkit::AllowedCell(int grid, int column, int row, std::string_vie
     return false;
   }
   return true;
+}
+
+void ScriptedToolkit::AddDialogResources(std::string_view text, std::string_view name) {
+  std::vector<DialogResource> dialogs;
+  std::string error;
+  if (!ReadDialogResources(text, name, dialogs, error)) resourceProblems_.push_back(error);
+  for (DialogResource& dialog : dialogs) ownResources_.push_front(std::move(dialog));
+}
+
+const DialogResource* ScriptedToolkit::Resource(int dialog) const {
+  for (const DialogResource& resource : ownResources_) {
+    if (resource.id == dialog) return &resource;
+  }
+  return FindDialogResource(dialog);
 }
 
 void ScriptedToolkit::InitialValues(const DialogResource& resource) {
@@ -151,7 +165,7 @@ void ScriptedToolkit::WDialogLoad(int dialog) {
   currentDialog_ = dialog;
   Dialog& state = dialogs_state_[dialog] = Dialog{};
   state.loaded = true;
-  state.resource = FindDialogResource(dialog);
+  state.resource = Resource(dialog);
   if (state.resource == nullptr) {
     Problem("WDialogLoad", "no resource");
   } else {

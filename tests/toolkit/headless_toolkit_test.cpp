@@ -79,6 +79,54 @@ TEST(ScriptedToolkit, PutValuesShowAsTheResourceFormatsThem) {
   EXPECT_TRUE(toolkit.ResourceProblems().empty());
 }
 
+// A dialog of the test's own: a menu, and a grid whose rows the resource labels.
+TEST(ScriptedToolkit, MenusAndLabelledGridsActAsTheirResourceSays) {
+  testing::CheckedToolkit toolkit;
+  toolkit.AddDialogResources(R"(DIALOG 900 200 200 "Test"
+MENU 10 0 0 90 20 ""
+GRID 11 0 30 190 150 ""
+PUSHBUTTON 1 0 180 60 20 "OK"
+[Menus]
+10 2 2
+beta:s
+U:s
+[Grids]
+11 1 2 901
+30
+first
+second
+DIALOG 901 60 20 "Columns"
+CHECKBOX 1 0 0 60 20 "On"
+)",
+                             "test.dlg");
+  toolkit.WDialogLoad(900);
+  EXPECT_EQ(toolkit.WDialogGetInteger(10), 2);
+  EXPECT_EQ(toolkit.WDialogGetString(10), "U:s");
+  toolkit.WDialogPutInteger(10, 1);
+  EXPECT_EQ(toolkit.WDialogGetString(10), "beta:s");
+  EXPECT_EQ(toolkit.WInfoGrid(11, 1), 2);
+  toolkit.WGridPutCellCheckBox(11, 1, 2, 1);
+  EXPECT_EQ(toolkit.WGridGetCheckBox(11, 1, 2), 1);
+  toolkit.QueueDialog({900, {{10, "U:s"}}, {kIdOk}});
+  toolkit.WDialogShow(-1, -1, 0, kDialogModal);
+  EXPECT_EQ(toolkit.WDialogGetInteger(10), 2);
+
+  ScriptedToolkit unchecked;
+  unchecked.AddDialogResources(
+      "DIALOG 900 200 200 \"Test\"\nMENU 10 0 0 90 20 \"\"\nPUSHBUTTON 1 0 180 60 20 \"OK\"\n"
+      "[Menus]\n10 2 0\nbeta:s\nU:s\n",
+      "test.dlg");
+  unchecked.WDialogLoad(900);
+  unchecked.WDialogPutInteger(10, 3);
+  unchecked.QueueDialog({900, {{10, "Gamma"}}, {kIdOk}});
+  unchecked.WDialogShow(-1, -1, 0, kDialogModal);
+  unchecked.AddDialogResources("DIALOG 901 -1 1 \"Bad\"\n", "bad.dlg");
+  EXPECT_EQ(unchecked.ResourceProblems(),
+            (std::vector<std::string>{"dialog 900: WDialogPutInteger: menu 10 has no entry 3",
+                                      "dialog 900: answer: field 10 has no entry \"Gamma\"",
+                                      "bad.dlg:1: dialog id and size must be above 0"}));
+}
+
 // Each call is one that the dialog on screen refuses; the problem names dialog, call and field.
 TEST(ScriptedToolkit, CallsOnFieldsTheResourceLacksAreProblems) {
   ScriptedToolkit toolkit;
