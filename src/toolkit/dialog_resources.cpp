@@ -65,13 +65,9 @@ Words SplitLine(std::string_view line) {
   return result;
 }
 
-bool ToInteger(std::string_view word, int& value) {
-  const char* end = word.data() + word.size();
-  const auto [ptr, ec] = std::from_chars(word.data(), end, value);
-  return ec == std::errc() && ptr == end;
-}
-
-bool ToReal(std::string_view word, double& value) {
+// An integer or real that is the whole word.
+template <typename Number>
+bool ToNumber(std::string_view word, Number& value) {
   const char* end = word.data() + word.size();
   const auto [ptr, ec] = std::from_chars(word.data(), end, value);
   return ec == std::errc() && ptr == end;
@@ -86,7 +82,8 @@ class ResourceReader {
   bool Read(std::string_view text) {
     for (std::string_view raw : SplitLines(text)) {
       ++lineNumber_;
-      const std::string line = StrippedText(Trimmed(raw.substr(0, raw.find_last_not_of('\r') + 1)));
+      if (raw.ends_with('\r')) raw.remove_suffix(1);
+      const std::string line = StrippedText(raw);
       if (line.empty() || line.front() == '#') continue;
       if (!ReadLine(line)) return false;
     }
@@ -105,6 +102,7 @@ class ResourceReader {
     if (pendingLines_ > 0) return ReadPendingLine(line);
     if (line.front() == '[') return StartSection(line);
     const Words words = SplitLine(line);
+    if (words.words.empty()) return Fail("a line without a class or field id");
     if (words.words.front() == "DIALOG") return ReadDialog(words);
     switch (section_) {
       case Section::kNone:
@@ -130,7 +128,7 @@ class ResourceReader {
     GridLayout& grid = *field.grid;
     if (pendingWidth_) {
       pendingWidth_ = false;
-      if (!ToInteger(line, grid.headerWidth) || grid.headerWidth < 0) {
+      if (!ToNumber(line, grid.headerWidth) || grid.headerWidth < 0) {
         return Fail("row-header width of grid " + std::to_string(field.id) +
                     " is not a whole number");
       }
@@ -165,8 +163,8 @@ class ResourceReader {
   bool ReadDialog(const Words& words) {
     DialogResource dialog;
     dialog.source = std::string(name_);
-    if (words.words.size() != 4 || !words.quoted || !ToInteger(words.words[1], dialog.id) ||
-        !ToInteger(words.words[2], dialog.width) || !ToInteger(words.words[3], dialog.height)) {
+    if (words.words.size() != 4 || !words.quoted || !ToNumber(words.words[1], dialog.id) ||
+        !ToNumber(words.words[2], dialog.width) || !ToNumber(words.words[3], dialog.height)) {
       return Fail("expected DIALOG id width height \"title\"");
     }
     if (dialog.id <= 0 || dialog.width <= 0 || dialog.height <= 0) {
@@ -179,7 +177,6 @@ class ResourceReader {
     dialog.title = std::string(*words.quoted);
     dialogs_.push_back(std::move(dialog));
     section_ = Section::kFields;
-    lastKind_.reset();
     return true;
   }
 
@@ -189,9 +186,9 @@ class ResourceReader {
                                    [&](const auto& k) { return k.second == words.words[0]; });
     if (kind == kKindNames.end()) return Fail("unknown field class " + std::string(words.words[0]));
     field.kind = kind->first;
-    if (words.words.size() != 6 || !words.quoted || !ToInteger(words.words[1], field.id) ||
-        !ToInteger(words.words[2], field.x) || !ToInteger(words.words[3], field.y) ||
-        !ToInteger(words.words[4], field.width) || !ToInteger(words.words[5], field.height)) {
+    if (words.words.size() != 6 || !words.quoted || !ToNumber(words.words[1], field.id) ||
+        !ToNumber(words.words[2], field.x) || !ToNumber(words.words[3], field.y) ||
+        !ToNumber(words.words[4], field.width) || !ToNumber(words.words[5], field.height)) {
       return Fail("expected CLASS id x y width height \"caption\"");
     }
     if (field.id == 0 || field.id < -1) return Fail("field id must be above 0, or -1");
@@ -205,10 +202,10 @@ class ResourceReader {
     }
     field.caption = std::string(*words.quoted);
     if (field.kind == FieldKind::kRadioButton) {
-      const bool continues = lastKind_ == FieldKind::kRadioButton;
+      const bool continues =
+          !dialog.fields.empty() && dialog.fields.back().kind == FieldKind::kRadioButton;
       field.radioGroup = continues ? dialog.fields.back().radioGroup : field.id;
     }
-    lastKind_ = field.kind;
     dialog.fields.push_back(std::move(field));
     return true;
   }
@@ -217,7 +214,7 @@ class ResourceReader {
   DialogField* CompanionField(const Words& words, std::size_t count, std::string_view form,
                               bool (*fits)(const DialogField&), std::string_view kinds) {
     int id = 0;
-    if (words.words.size() != count || words.quoted || !ToInteger(words.words[0], id)) {
+    if (words.words.size() != count || words.quoted || !ToNumber(words.words[0], id)) {
       Fail(std::string("expected ") + std::string(form));
       return nullptr;
     }
@@ -258,7 +255,7 @@ class ResourceReader {
         "a check box or radio button");
     if (field == nullptr) return false;
     int state = 0;
-    if (!ToInteger(words.words[1], state) || (state != 0 && state != 1)) {
+    if (!ToNumber(words.words[1], state) || (state != 0 && state != 1)) {
       return Fail("state must be 0 or 1");
     }
     field->checked = state;
@@ -271,7 +268,7 @@ class ResourceReader {
         "an integer or real field");
     if (field == nullptr) return false;
     ValueRange range;
-    if (!ToReal(words.words[1], range.low) || !ToReal(words.words[2], range.high) ||
+    if (!ToNumber(words.words[1], range.low) || !ToNumber(words.words[2], range.high) ||
         range.low > range.high) {
       return Fail("expected two numbers, low not above high");
     }
@@ -284,7 +281,7 @@ class ResourceReader {
         words, 2, "id length", [](const DialogField& f) { return f.kind == FieldKind::kText; },
         "a text field");
     if (field == nullptr) return false;
-    if (!ToInteger(words.words[1], field->length) || field->length <= 0) {
+    if (!ToNumber(words.words[1], field->length) || field->length <= 0) {
       return Fail("length must be a whole number above 0");
     }
     return true;
@@ -312,8 +309,8 @@ class ResourceReader {
         [](const DialogField& f) { return f.kind == FieldKind::kGrid; }, "a grid");
     if (field == nullptr) return false;
     GridLayout grid;
-    if (!ToInteger(words.words[1], grid.columns) || !ToInteger(words.words[2], grid.rows) ||
-        !ToInteger(words.words[3], grid.columnDialog) || grid.columns <= 0 || grid.rows < 0 ||
+    if (!ToNumber(words.words[1], grid.columns) || !ToNumber(words.words[2], grid.rows) ||
+        !ToNumber(words.words[3], grid.columnDialog) || grid.columns <= 0 || grid.rows < 0 ||
         grid.columnDialog <= 0) {
       return Fail("expected columns above 0, rows not below 0 and a column dialog");
     }
@@ -330,7 +327,7 @@ class ResourceReader {
         [](const DialogField& f) { return f.kind == FieldKind::kMenu; }, "a menu");
     if (field == nullptr) return false;
     int count = 0;
-    if (!ToInteger(words.words[1], count) || !ToInteger(words.words[2], field->menuSelected) ||
+    if (!ToNumber(words.words[1], count) || !ToNumber(words.words[2], field->menuSelected) ||
         count < 0 || field->menuSelected < 0 || field->menuSelected > count) {
       return Fail("expected a count and a selected entry from 0 to the count");
     }
@@ -367,7 +364,6 @@ class ResourceReader {
   std::string error_;
   int lineNumber_ = 0;
   Section section_ = Section::kNone;
-  std::optional<FieldKind> lastKind_;
   DialogField* pendingField_ = nullptr;
   bool pendingWidth_ = false;
   int pendingLines_ = 0;

@@ -191,6 +191,7 @@ TEST(DialogResources, MalformedTextsNameTheResourceAndLine) {
   EXPECT_EQ(ErrorOf(head + "TEXT -1 0 0 10 10 \"\"\n"),
             "test.dlg:2: only labels and group boxes may have the id -1");
   EXPECT_EQ(ErrorOf(head + head), "test.dlg:2: dialog 200 twice");
+  EXPECT_EQ(ErrorOf(head + "\t\"Caption\"\n"), "test.dlg:2: a line without a class or field id");
   EXPECT_EQ(ErrorOf(head + "[Sizes]\n"), "test.dlg:2: unknown section [Sizes]");
   EXPECT_EQ(ErrorOf("[Checks]\n"), "test.dlg:1: section [Checks] before the first DIALOG line");
 
