@@ -248,7 +248,7 @@ class ScriptedToolkit : public Toolkit {
   // nullptr for a dialog without a resource: its fields go unchecked, its load was the problem.
   bool Allowed(int id, std::string_view operation, FieldTest fits, const FieldResource*& field);
   // The same for a grid's cell (or row label, with column 0): the grid, column and row must
-  // exist, and `column` is the column dialog's field that describes the column.
+  // exist, and `columnField` is the column dialog's field that describes the column.
   bool AllowedCell(int grid, int column, int row, std::string_view operation, FieldTest fits,
                    const FieldResource*& columnField);
   const DialogResource* Resource(int dialog) const;
