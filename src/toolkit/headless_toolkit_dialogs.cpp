@@ -43,6 +43,20 @@ bool TakesInput(const DialogField& f) {
 
 std::string IdText(int id) { return std::to_string(id); }
 
+// What a user can leave in a number field: nothing, or a number of the field's kind.
+bool IsNumberFor(const DialogField& field, const std::string& value) {
+  const std::string text = StrippedText(value);
+  if (text.empty()) return true;
+  const char* end = text.data() + text.size();
+  const bool integer =
+      field.kind == FieldKind::kIntegerEdit || field.kind == FieldKind::kIntegerSpin;
+  int whole = 0;
+  double real = 0.0;
+  const auto result =
+      integer ? std::from_chars(text.data(), end, whole) : std::from_chars(text.data(), end, real);
+  return result.ec == std::errc() && result.ptr == end;
+}
+
 // A real as its field shows it: through the field's format, or in the fewest digits that
 // read back to the same value.
 std::string RealText(const DialogField* field, double value) {
@@ -185,7 +199,7 @@ void ScriptedToolkit::CheckAnswer(const FieldResource& field, const std::string&
   const std::string where = "field " + IdText(field.id);
   if (field.HoldsState() && value != "0" && value != "1") {
     Problem("answer", where + " takes 0 or 1, not \"" + value + "\"");
-  } else if (field.HoldsNumber() && !IsNumberText(value)) {
+  } else if (field.HoldsNumber() && !IsNumberFor(field, value)) {
     Problem("answer", where + " takes a number, not \"" + value + "\"");
   } else if (field.HoldsNumber() && field.range &&
              (TextToReal(value) < field.range->low || TextToReal(value) > field.range->high)) {

@@ -172,7 +172,8 @@ TEST(ScriptedToolkit, AnswersTheDialogWouldRefuseAreProblems) {
   toolkit.QueueDialog({139, {{1440, "200"}, {1441, "twenty"}, {1446, "1"}}, {1452, kIdOk}});
   toolkit.WDialogLoad(139);
   toolkit.WDialogShow(-1, -1, 0, kDialogModal);
-  toolkit.QueueDialog({136, {{1497, "Thirteen char"}, {1480, "2"}}, {kIdCancel}});
+  toolkit.QueueDialog(
+      {136, {{1497, "Thirteen char"}, {1480, "2"}, {1485, "2.5"}, {1490, ""}}, {kIdCancel}});
   toolkit.WDialogLoad(136);
   toolkit.WDialogShow(-1, -1, 0, kDialogModal);
   toolkit.QueueDialog({102, {{1001, "typed into a label"}}, {kIdOk}});
@@ -185,6 +186,7 @@ TEST(ScriptedToolkit, AnswersTheDialogWouldRefuseAreProblems) {
                 "dialog 139: answer: no field 1446",
                 "dialog 139: answer: no field 1452",
                 "dialog 136: answer: field 1480 takes 0 or 1, not \"2\"",
+                "dialog 136: answer: field 1485 takes a number, not \"2.5\"",
                 "dialog 136: answer: field 1497 holds 12 characters",
                 "dialog 102: answer: field 1001 is a LABEL",
             }));
