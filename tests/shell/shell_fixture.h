@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "shell/shell_state.h"
-#include "support/test_files.h"
 #include "support/checked_toolkit.h"
+#include "support/test_files.h"
 
 namespace kaldena::testing {
 
