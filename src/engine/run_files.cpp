@@ -124,8 +124,11 @@ RunFilesStatus SetUpRunFiles(std::string_view projectName, EngineState& state, R
     reporter.ShowMessage("Error", "Error opening preject file");
     return RunFilesStatus::kFailed;
   }
-  // A file of the run's own, so that runs side by side in one folder never meet.
-  state.temporary = TemporaryFile::Create(state.directory, "%" + state.baseName);
+  // A file of the run's own, so that runs side by side in one folder never meet; it lies
+  // beside the output parameter file (the project's, unless PWPR names another directory),
+  // which it replaces by rename on the same file system.
+  state.temporary =
+      TemporaryFile::Create(DirectoryOf(state.files.parameters), "%" + state.baseName);
   std::ofstream temporary;
   if (state.temporary.Exists()) temporary.open(state.temporary.Name(), std::ios::binary);
   if (!temporary.is_open()) {

@@ -32,7 +32,8 @@ std::string CutProjectName(std::string_view projectName);
 
 // Fills the file names of `state`, loads the project into `store` (where it stays for the
 // input stage), writes the temporary file "%" + base + ".<process id>-<count>.tmp" beside the
-// project and opens the list file in `state.list`. Default output names lie beside the project.
+// output parameter file and opens the list file in `state.list`. Default output names lie
+// beside the project.
 // Failures: the log says "Error opening or reading " + name when the project does not load;
 // boxes "Error" tell of a project, temporary or list file that does not open; a project
 // without SCAL leaves "Missing scale factor for PRFPAR" in the list file.

@@ -126,6 +126,15 @@ TEST(RunFiles, RecordNamesTakeTheProjectDirectoryUnlessTheyHaveOneOfTheirOwn) {
   EXPECT_EQ(ReadBytes(dir.Path() / "listing.out"), " heading\n");
 }
 
+TEST(RunFiles, TheTemporaryFileLiesBesideAParameterFileOfAnotherDirectory) {
+  ScratchDir dir;
+  fs::create_directory(dir.Path() / "out");
+  const std::string out = (dir.Path() / "out").string() + "/";
+  RunSetUp run(dir.Write("p.rec", Lines({"PWPR      " + out + "p.par", "SCAL      1.0"})));
+  ASSERT_EQ(run.status, RunFilesStatus::kOk);
+  EXPECT_EQ(run.state.temporary.Name().substr(0, out.size() + 3), out + "%p.");
+}
+
 TEST(RunFiles, BlankNameRecordsFallBackOnTheDefaults) {
   ScratchDir dir;
   const fs::path project = dir.Write(
