@@ -223,8 +223,8 @@ struct EngineState {
   std::string directory;  // with its separator, or empty
   std::string baseName;
   RunFileNames files;
-  // The run's own copy of the parameter file, beside the project, that the result records are
-  // written into and that replaces the output parameter file at the end of a refinement.
+  // The run's own copy of the project, beside the output parameter file, that the result
+  // records are written into and that replaces the parameter file at the end of a refinement.
   TemporaryFile temporary;
   int backgroundFileMarker = 0;  // 12 when a background file is named
   ListFile list;
