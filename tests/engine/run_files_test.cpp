@@ -64,6 +64,9 @@ TEST(RunFiles, DefaultsAndTheTemporaryFileLieBesideTheProject) {
   fs::create_directory(dir.Path() / "sub");
   const fs::path project = dir.Write("sub/quartz.rec", kMinimal);
   const std::string sub = (dir.Path() / "sub").string() + "/";
+  // What a killed run of this project and one of another left behind.
+  dir.Write("sub/%quartz.99999-1.tmp", "");
+  dir.Write("sub/%other.99999-1.tmp", "");
   CurrentDirectory here(dir.Path());
 
   RunSetUp run(project);
@@ -84,6 +87,8 @@ TEST(RunFiles, DefaultsAndTheTemporaryFileLieBesideTheProject) {
   EXPECT_EQ(run.state.temporary.Name().substr(0, prefix.size()), prefix);
   EXPECT_TRUE(run.state.temporary.Name().ends_with(".tmp"));
   EXPECT_TRUE(fs::exists(run.state.temporary.Name()));
+  EXPECT_FALSE(fs::exists(dir.Path() / "sub" / "%quartz.99999-1.tmp"));
+  EXPECT_TRUE(fs::exists(dir.Path() / "sub" / "%other.99999-1.tmp"));
   EXPECT_TRUE(fs::exists(dir.Path() / "sub" / "%quartz.out"));
   EXPECT_FALSE(fs::exists(dir.Path() / "%quartz.out"));
   EXPECT_TRUE(run.reporter.log.empty());
