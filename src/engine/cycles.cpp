@@ -284,7 +284,7 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
     state.resultRecords = ApplyShifts(state, cycle);
     TestBlocks(state);
     ListResiduals(state);
-    if (!WriteResultRecords(state.temporaryFile, state.resultRecords)) {
+    if (!WriteResultRecords(state.temporary.Name(), state.resultRecords)) {
       state.list.Line(" Error writing the temporary parameter file");
       return CycleStatus::kFailed;
     }

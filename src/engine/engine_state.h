@@ -12,6 +12,7 @@
 #include "engine/reflection_store.h"
 #include "store/job_records.h"
 #include "util/limits.h"
+#include "util/temporary_file.h"
 
 namespace kaldena {
 
@@ -220,11 +221,11 @@ struct EngineState {
   // Files of the run.
   std::string projectFile;
   std::string directory;  // with its separator, or empty
-  // Where names without a directory of their own lie; empty for the process's current one.
-  std::string workingDirectory;
   std::string baseName;
   RunFileNames files;
-  std::string temporaryFile;
+  // The run's own copy of the project, beside the output parameter file, that the result
+  // records are written into and that replaces the parameter file at the end of a refinement.
+  TemporaryFile temporary;
   int backgroundFileMarker = 0;  // 12 when a background file is named
   ListFile list;
 

@@ -54,7 +54,6 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
   EngineState state;
   ZeroEngineState(state);
   state.debug = request.debug;
-  state.workingDirectory = request.workingDirectory;
   DebugWord(state.debug, reporter, "Zero done");
   const int started = ClockSeconds();
   RecordStore store(reporter);
@@ -73,11 +72,12 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
   const int elapsed = ElapsedSeconds(started, ClockSeconds());
   const std::string seconds = Format("(i7,' seconds elapsed'//)", elapsed);
   for (std::string_view line : SplitLines(seconds)) reporter.LogLine(line);
-  if (IsRefinement(state.controls) && !CopyOver(state.temporaryFile, state.files.parameters)) {
+  // The temporary file replaces the parameter file whole, or the run fails; otherwise it goes
+  // with the state.
+  if (IsRefinement(state.controls) && !state.temporary.RenameOver(state.files.parameters)) {
     reporter.LogLine("Error updating output parameter file");
+    return run;
   }
-  std::error_code ignored;
-  std::filesystem::remove(state.temporaryFile, ignored);
   run.ok = true;
   return run;
 }
@@ -120,9 +120,8 @@ bool NextName(std::istream& batch, std::string& name) {
   return true;
 }
 
-std::string DefaultParameterFile(const std::string& project, const std::string& directory) {
-  const std::string name = "%" + BaseNameOf(project) + ".par";
-  return directory.empty() ? name : ReplaceDirectory(directory, name);
+std::string DefaultParameterFile(const std::string& project) {
+  return ReplaceDirectory(DirectoryOf(project), "%" + BaseNameOf(project) + ".par");
 }
 
 void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
@@ -133,7 +132,7 @@ void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
   while (NextName(batch, name)) {
     // In an edits batch the record lines are read as names too; their copies fail.
     (void)mode;
-    if (CopyOver(DefaultParameterFile(name, request.workingDirectory), name)) {
+    if (CopyOver(DefaultParameterFile(name), name)) {
       reporter.LogLine(name + " updated");
       result.currentProject = name;
     } else {

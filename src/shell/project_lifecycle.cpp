@@ -338,8 +338,6 @@ int RunProject(ShellState& state, Toolkit& toolkit) {
   EngineRequest request;
   request.fileName = StrippedText(state.projectFileName);
   request.debug = state.debugMode != 0;
-  // The load made the project's directory the current one, where the defaults lie.
-  request.workingDirectory = state.projectDir;
   const EngineResult result = RunEngine(request, reporter);
   if (result.status == 0) {
     if (state.plotMode > 2) state.plotMode = 1;
