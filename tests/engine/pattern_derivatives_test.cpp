@@ -92,13 +92,10 @@ struct Model {
     SetBackground(state);
     std::vector<float> total;
     for (int i = 0; i < state.points.count; ++i) {
-      const int span = state.work.spans[i + 1];
-      const int first = span % kMaxReflections, last = span / kMaxReflections;
+      const SpanReflections span = ReflectionsOfSpan(state.work.spans[i]);
       PointValues v;
       std::vector<std::string> lines;
-      EXPECT_EQ(CalculatePoint(state, i, first == 0 ? 0 : first - 1, first == 0 ? -1 : last - 1,
-                               v, lines),
-                PointStatus::kOk);
+      EXPECT_EQ(CalculatePoint(state, i, span.first, span.last, v, lines), PointStatus::kOk);
       total.push_back(v.y + state.work.background[i]);
       if (derivatives) derivatives->push_back(v.dy);
     }
