@@ -228,7 +228,7 @@ void PrepareCycles(EngineState& state) {
   const int points = state.points.count;
   if (IsRefinement(state.controls) && state.parameters > 0) {
     w.normal.assign(static_cast<size_t>(kMaxParameters) * kMaxParameters, 0.0f);
-    w.rows.assign(static_cast<size_t>(kMaxReflectionsAtPoint) * kMaxParameters, 0.0f);
+    w.rows.assign(static_cast<size_t>(kMaxSpanReflections) * kMaxParameters, 0.0f);
   }
   w.phaseAngle.assign(reflections, 0.0f);
   w.background.assign(points, 0.0f);

@@ -185,8 +185,8 @@ enum class RowFactor : unsigned char {
 // Work arrays of the least-squares cycles, allocated by the cycle stage.
 struct CycleWork {
   std::vector<float> normal;  // kMaxParameters x kMaxParameters, row-major, upper part summed
-  std::vector<float> rows;    // ring of kMaxReflectionsAtPoint derivative rows, kMaxParameters each
-  std::array<float, kMaxReflectionsAtPoint> ringTan{};
+  std::vector<float> rows;  // ring of kMaxSpanReflections derivative rows, kMaxParameters each
+  std::array<float, kMaxSpanReflections> ringTan{};
   std::array<float, kMaxParameters> lastShifts{};
   // Row factor of each parameter for the reflections of each phase.
   std::vector<std::array<RowFactor, kMaxParameters>> factors;
