@@ -76,7 +76,8 @@ struct AtomType {
   std::array<float, 9> formFactor{};
   float fPrime = 0;  // X-rays only
   float fDoublePrime = 0;
-  float mass = 0;
+  int element = 0;  // Z of the element that the symbol names, 0 when it names none
+  float mass = 0;   // 0 when the element is not known
 };
 
 struct Atom {

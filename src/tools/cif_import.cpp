@@ -20,8 +20,6 @@ namespace kaldena {
 
 namespace {
 
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-
 bool StartsWithName(std::string_view name, std::string_view prefix) {
   return name.size() >= prefix.size() && SameCifName(name.substr(0, prefix.size()), prefix);
 }
@@ -342,17 +340,7 @@ std::string Name4(std::string_view label) {
 }  // namespace
 
 std::string ElementOfSymbol(std::string_view symbol) {
-  const std::size_t first = symbol.find_first_not_of(" \t");
-  const std::string_view text =
-      first == std::string_view::npos ? std::string_view() : symbol.substr(first);
-  if (text.empty() || !IsLetter(text[0])) return "  ";
-  std::string two = {UpperChar(text[0]), ' '};
-  if (text.size() > 1 && IsLetter(text[1])) {
-    two[1] = LowerChar(text[1]);
-    if (ElementNumber(two) != 0) return two;
-    two[1] = ' ';
-  }
-  return ElementNumber(two) != 0 ? two : std::string("  ");
+  return std::string(ElementSymbol(ElementNamed(symbol)));
 }
 
 CifPhase ImportCif(const std::string& path, Reporter& reporter, int atomsBefore) {
