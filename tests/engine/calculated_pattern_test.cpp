@@ -9,9 +9,8 @@
 #include <set>
 #include <sstream>
 
-#include "engine/run_engine.h"
 #include "store/record_store.h"
-#include "support/test_files.h"
+#include "support/engine_run.h"
 #include "util/column_format.h"
 
 namespace kaldena {
@@ -111,15 +110,9 @@ std::vector<SummaryPoint> ReadSummary(const fs::path& file) {
   return points;
 }
 
-// Runs a project written into a fresh directory, from that directory.
 bool RunProject(const ScratchDir& dir, const std::string& project) {
   dir.Write("nickel.rec", project);
-  const fs::path old = fs::current_path();
-  fs::current_path(dir.Path());
-  RecordingReporter reporter;
-  const bool ok = RunEngine({"nickel.rec", false, nullptr}, reporter).status == 0;
-  fs::current_path(old);
-  return ok;
+  return testing::RunEngineIn(dir, "nickel.rec");
 }
 
 TEST(CalculatedPattern, EveryPointUpToTheStopMatchesTheModel) {

@@ -10,7 +10,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "engine/run_engine.h"
 #include "store/record_store.h"
 #include "support/refined_example.h"
 #include "support/test_files.h"
@@ -120,28 +119,23 @@ std::string PyritePericlase(int job, std::string_view iron) {
 // Makes the pattern from the model, refines the scales and writes the table of the result.
 // The table's text, empty when a run failed.
 std::string RefinedPyritePericlaseTable(const testing::ScratchDir& dir, std::string_view iron) {
-  RecordingReporter reporter;
-  const fs::path old = fs::current_path();
-  fs::current_path(dir.Path());
   dir.Write("model.rec", PyritePericlase(2, iron));
-  bool ok = RunEngine({"model.rec", false, nullptr}, reporter).status == 0;
-  if (ok) {
-    std::ifstream summary("%model.sum");
-    std::ofstream pattern("pattern.xy");
+  if (!testing::RunEngineIn(dir, "model.rec")) return {};
+  {
+    std::ifstream summary(dir.Path() / "%model.sum");
+    std::ofstream pattern(dir.Path() / "pattern.xy");
     for (std::string line; std::getline(summary, line);) {
       float x = 0, total = 0;
       Read(line, "(F7.3,12x,F12.1)", x, total);
       pattern << FormatLine("(f8.3,f12.1)", x, total) << "\n";
     }
-    dir.Write("refine.rec", PyritePericlase(0, iron));
   }
-  ok = ok && RunEngine({"refine.rec", false, nullptr}, reporter).status == 0;
-  fs::current_path(old);
+  dir.Write("refine.rec", PyritePericlase(0, iron));
+  if (!testing::RunEngineIn(dir, "refine.rec")) return {};
+  const std::string project = (dir.Path() / "%refine.par").string();
   const fs::path table = dir.Path() / "refined.tab";
-  if (!ok || WriteTable((dir.Path() / "%refine.par").string(), table.string(), "2026-11-23",
-                        reporter) != TableStatus::kOk) {
-    return {};
-  }
+  RecordingReporter reporter;
+  if (WriteTable(project, table.string(), "2026-11-23", reporter) != TableStatus::kOk) return {};
   return ReadBytes(table);
 }
 
