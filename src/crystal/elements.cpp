@@ -15,10 +15,10 @@ const ElementRow* FindRow(int z) {
   return &kElementRows[z - 1];
 }
 
-// Repeated whole steps land exactly where subtracting the floor does; the only difference is
-// a tiny negative value, whose sum with 1 rounds to 1 and must wrap once more.
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
+// Repeated whole steps land exactly where subtracting the floor does; the only difference is
+// a tiny negative value, whose sum with 1 rounds to 1 and must wrap once more.
 float WrapOne(float value) {
   value -= std::floor(value);
   return value >= 1.0f ? value - 1.0f : value;

@@ -146,7 +146,9 @@ void ShiftStatistics(EngineState& state, Reporter& reporter) {
 void ComputeResiduals(EngineState& state) {
   const int count = state.points.count;
   std::unique_ptr<bool[]> takesPart(new bool[count]);
-  for (int i = 0; i < count; ++i) takesPart[i] = TakesPart(state, ReflectionsOfSpan(state.work.spans[i]));
+  for (int i = 0; i < count; ++i) {
+    takesPart[i] = TakesPart(state, ReflectionsOfSpan(state.work.spans[i]));
+  }
   const CycleWork& w = state.work;
   ResidualPoints in;
   in.observed = std::span<const float>(state.points.observed.data(), count);
