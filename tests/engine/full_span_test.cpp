@@ -59,9 +59,9 @@ std::pair<int, int> WidestPoint(const EngineState& state) {
   return widest;
 }
 
-// The peak base (in halfwidths) at which the widest point holds exactly `count` reflections:
-// the count rises one reflection at a time with the base, as the peaks of a triclinic cell
-// lie apart. The point, or -1 when no base gives that count.
+// Sets the peak base (in halfwidths) so that the widest point holds exactly `count`
+// reflections and returns that point; -1 when no base does. The count rises one reflection at
+// a time with the base, as the peaks of a triclinic cell lie apart.
 int PointWithReflections(EngineState& state, int count) {
   float low = 0.05f, high = 5.0f;
   for (int step = 0; step < 60; ++step) {
