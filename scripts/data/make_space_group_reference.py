@@ -4,7 +4,8 @@ tests/data/crystal/space_groups.txt the settings that users type most (the stand
 every group, the monoclinic groups also with unique axis a and c, the R groups also on
 rhombohedral axes), and tests/data/crystal/space_group_settings.txt every other setting whose
 Hermann-Mauguin symbol names it. A symbol shared by the two origin choices of a group names
-origin choice 2, the centre of symmetry at the origin.
+origin choice 2, the centre of symmetry at the origin; tests/data/crystal/origin_choice_1.txt
+holds the operators of origin choice 1 of those groups under the same symbol.
 
 Source: gemmi's table of space-group settings (International Tables for Crystallography,
 Vol. A), the 530 settings of its first part. Run with Debian's python3 and python3-gemmi:
@@ -96,6 +97,11 @@ def other_rows(common):
     return rows
 
 
+def origin_choice_1_rows():
+    return [setting_row(sg, sg.hm.upper(), 0) for sg in list(gemmi.spacegroup_table())[:SETTINGS]
+            if sg.ext == "1"]
+
+
 def write(name, title, rows):
     with open(os.path.join(DATA, name), "w") as out:
         out.write("# %s, from gemmi %s (International Tables A).\n" % (title, gemmi.__version__))
@@ -109,6 +115,7 @@ def main():
     write("space_groups.txt", "General positions by setting", common)
     write("space_group_settings.txt", "General positions of the other settings",
           other_rows(common))
+    write("origin_choice_1.txt", "General positions in origin choice 1", origin_choice_1_rows())
 
 
 main()

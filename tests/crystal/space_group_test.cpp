@@ -7,55 +7,20 @@
 #include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include "crystal/symbol_tables.h"
-#include "support/test_files.h"
+#include "support/space_group_reference.h"
 #include "util/text.h"
 
 namespace kaldena {
 namespace {
 
-struct ReferenceSetting {
-  int number = 0;
-  std::string symbol;
-  int laueClass = 0;
-  int uniqueAxis = 0;
-  int centricCode = 0;
-  size_t order = 0;
-  std::vector<std::string> operators;
-};
-
-std::vector<std::string> Split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  std::stringstream in(text);
-  for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
-  return parts;
-}
-
-// The settings users type most: every group's standard setting, the monoclinic groups also
-// with unique axes a and c, the R groups on rhombohedral axes.
-std::vector<ReferenceSetting> LoadReference(const char* name = "crystal/space_groups.txt") {
-  std::vector<ReferenceSetting> settings;
-  std::ifstream in(testing::TestData(name));
-  for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    const std::vector<std::string> f = Split(line, '|');
-    ReferenceSetting s{std::stoi(f[0]), f[1],
-                       std::stoi(f[2]), std::stoi(f[3]),
-                       std::stoi(f[4]), static_cast<size_t>(std::stoul(f[5])),
-                       Split(f[6], ';')};
-    std::sort(s.operators.begin(), s.operators.end());
-    settings.push_back(s);
-  }
-  return settings;
-}
+using testing::CommonSettings;
+using testing::EveryNamedSetting;
+using testing::ReferenceSetting;
 
 std::vector<std::string> OperatorTexts(const SpaceGroupInfo& info) {
-  std::vector<std::string> texts;
-  for (const SymmetryOperator& op : info.operators) texts.push_back(OperatorText(op));
-  std::sort(texts.begin(), texts.end());
-  return texts;
+  return testing::OperatorTexts(info.operators);
 }
 
 SpaceGroupInfo Expanded(std::string_view symbol) {
@@ -89,16 +54,8 @@ Op Compose(const Op& a, const Op& b) {
   return c;
 }
 
-// Every symbol that names a setting of the reference table: the common ones and all others,
-// among them the centred monoclinic settings whose named glide the centring repeats as another
-// glide a quarter cell away ("C 1 n 1", "I 1 1 b").
-std::vector<ReferenceSetting> EveryNamedSetting() {
-  std::vector<ReferenceSetting> settings = LoadReference();
-  const std::vector<ReferenceSetting> others = LoadReference("crystal/space_group_settings.txt");
-  settings.insert(settings.end(), others.begin(), others.end());
-  return settings;
-}
-
+// Every symbol that names a setting, among them the centred monoclinic settings whose named
+// glide the centring repeats as another glide a quarter cell away ("C 1 n 1", "I 1 1 b").
 TEST(SpaceGroup, EverySettingGivesItsGeneralPositions) {
   const std::vector<ReferenceSetting> settings = EveryNamedSetting();
   ASSERT_GE(settings.size(), 510u);
@@ -140,12 +97,12 @@ TEST(SpaceGroup, OperatorSetsAreClosedGroups) {
 
 TEST(SpaceGroup, PrintedSymbolsReadAsTheirGroups) {
   std::map<std::string, std::vector<std::string>> bySymbol;
-  for (const ReferenceSetting& ref : LoadReference()) bySymbol[ref.symbol] = ref.operators;
+  for (const ReferenceSetting& ref : CommonSettings()) bySymbol[ref.symbol] = ref.operators;
   std::ifstream in(testing::TestData("crystal/printed_symbols.txt"));
   int rows = 0;
   for (std::string line; std::getline(in, line);) {
     if (line.empty() || line[0] == '#') continue;
-    const std::vector<std::string> f = Split(line, '|');
+    const std::vector<std::string> f = testing::SplitText(line, '|');
     ASSERT_TRUE(bySymbol.count(f[2])) << f[2];
     EXPECT_EQ(OperatorTexts(Expanded(ConvertPrintedSymbol(f[1]))), bySymbol[f[2]]) << f[1];
     ++rows;
