@@ -31,8 +31,8 @@ std::vector<OperatorKey> SortedKeys(const std::vector<SymmetryOperator>& operato
   return keys;
 }
 
-// The operator sets of the settings that the symbol reader gives, built once: origin choice 1
-// shares its symbol with origin choice 2 and is left out.
+// The operator sets of the settings, built once from the symbol reader: origin choice 1,
+// which shares its symbol with origin choice 2, as the second's operators moved.
 const std::map<std::vector<OperatorKey>, const SpaceGroupSetting*>& SettingsByOperators() {
   static const auto table = [] {
     std::map<std::vector<OperatorKey>, const SpaceGroupSetting*> map;
@@ -43,6 +43,10 @@ const std::map<std::vector<OperatorKey>, const SpaceGroupSetting*>& SettingsByOp
         continue;
       }
       map.emplace(SortedKeys(info.operators), &s);
+      if (const SpaceGroupSetting* first = OriginChoiceOne(s)) {
+        const std::array<int, 3>& d = first->originMove;
+        map.emplace(SortedKeys(MovedOperators(info.operators, {-d[0], -d[1], -d[2]})), first);
+      }
     }
     return map;
   }();
@@ -62,9 +66,9 @@ std::string HallKey(std::string_view hall) {
 
 }  // namespace
 
-const SpaceGroupSetting* SettingOfGroup(const SpaceGroupInfo& group) {
+const SpaceGroupSetting* SettingOfOperators(const std::vector<SymmetryOperator>& operators) {
   const auto& table = SettingsByOperators();
-  const auto found = table.find(SortedKeys(group.operators));
+  const auto found = table.find(SortedKeys(operators));
   return found == table.end() ? nullptr : found->second;
 }
 

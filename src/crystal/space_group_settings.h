@@ -25,9 +25,11 @@ struct SpaceGroupSetting {
 inline constexpr int kSettingCount = 530;
 extern const std::array<SpaceGroupSetting, kSettingCount> kSettingRows;
 
-// The setting whose operators the group has: with two origin choices the second, which is the
-// symbol reader's. Null when no setting of the table has them.
-const SpaceGroupSetting* SettingOfGroup(const SpaceGroupInfo& group);
+// The setting whose general positions are these operators, in any order: a symbol reader's set
+// gives origin choice 2 where there are two, the same moved gives origin choice 1. Settings of
+// one set of operators (origin choice 1 of C c c a and C c c b) give the first. Null when no
+// setting of the table has them.
+const SpaceGroupSetting* SettingOfOperators(const std::vector<SymmetryOperator>& operators);
 // The standard setting of a group number: unique axis b, hexagonal axes, origin choice 2.
 const SpaceGroupSetting* StandardSetting(int number);
 // The setting of a Hall symbol; case, runs of blanks and "_" for a blank do not matter.

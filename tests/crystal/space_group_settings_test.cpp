@@ -25,7 +25,7 @@ TEST(SpaceGroupSettings, EverySymbolFindsItsSettingAndItsPrintedForm) {
   std::set<const SpaceGroupSetting*> found;
   for (const ReferenceSetting& ref : testing::EveryNamedSetting()) {
     const SpaceGroupInfo group = Expanded(ref.symbol);
-    const SpaceGroupSetting* setting = SettingOfGroup(group);
+    const SpaceGroupSetting* setting = SettingOfOperators(group.operators);
     ASSERT_NE(setting, nullptr) << ref.symbol;
     EXPECT_EQ(setting->number, ref.number) << ref.symbol;
     EXPECT_NE(setting->originChoice, 1) << ref.symbol;
@@ -35,28 +35,34 @@ TEST(SpaceGroupSettings, EverySymbolFindsItsSettingAndItsPrintedForm) {
   }
   // The short monoclinic forms name the settings of their full forms; the others, one each.
   EXPECT_EQ(found.size(), static_cast<size_t>(kSettingCount - 33));
-  EXPECT_EQ(SettingOfGroup(Expanded("P 21/C")), SettingOfGroup(Expanded("P 1 21/C 1")));
-  EXPECT_EQ(SettingOfGroup(Expanded("F M -3 M"))->printed, "F m -3 m");
+  EXPECT_EQ(SettingOfOperators(Expanded("P 21/C").operators),
+            SettingOfOperators(Expanded("P 1 21/C 1").operators));
+  EXPECT_EQ(SettingOfOperators(Expanded("F M -3 M").operators)->printed, "F m -3 m");
 }
 
 // Origin choice 1 seen from the symbol reader's origin choice 2: the move gives gemmi's
-// operators of every such setting.
+// operators of every such setting, and those operators find it.
 TEST(SpaceGroupSettings, OriginChoiceOneIsTheSecondMoved) {
   const std::vector<ReferenceSetting> references =
       testing::LoadReference("crystal/origin_choice_1.txt");
   ASSERT_EQ(references.size(), 33u);
   for (const ReferenceSetting& ref : references) {
     const SpaceGroupInfo group = Expanded(ref.symbol);
-    const SpaceGroupSetting* second = SettingOfGroup(group);
+    const SpaceGroupSetting* second = SettingOfOperators(group.operators);
     ASSERT_NE(second, nullptr) << ref.symbol;
     EXPECT_EQ(second->originChoice, 2) << ref.symbol;
     const SpaceGroupSetting* first = OriginChoiceOne(*second);
     ASSERT_NE(first, nullptr) << ref.symbol;
     std::array<int, 3> back;
     for (int i = 0; i < 3; ++i) back[i] = -first->originMove[i];
-    EXPECT_FALSE(SameOperators(group.operators, MovedOperators(group.operators, back)));
-    EXPECT_EQ(testing::OperatorTexts(MovedOperators(group.operators, back)), ref.operators)
-        << ref.symbol;
+    const std::vector<SymmetryOperator> moved = MovedOperators(group.operators, back);
+    EXPECT_FALSE(SameOperators(group.operators, moved));
+    EXPECT_EQ(testing::OperatorTexts(moved), ref.operators) << ref.symbol;
+    // Origin choice 1 of C c c a and C c c b is one set of operators, and so on: the first.
+    const SpaceGroupSetting* found = SettingOfOperators(moved);
+    ASSERT_NE(found, nullptr) << ref.symbol;
+    EXPECT_EQ(found->originChoice, 1) << ref.symbol;
+    EXPECT_EQ(found->hall, first->hall) << ref.symbol;
   }
   EXPECT_EQ(OriginChoiceOne(*StandardSetting(14)), nullptr);
 }
@@ -75,7 +81,7 @@ TEST(SpaceGroupSettings, NumbersAndHallSymbols) {
   EXPECT_EQ(SettingOfHall("-R_3_2\"c")->number, 167);
   EXPECT_EQ(SettingOfHall("F 4d 2 3 -1d")->originChoice, 1);
   EXPECT_EQ(SettingOfHall("-P 2ybc 2"), nullptr);
-  EXPECT_EQ(SettingOfGroup(Expanded("P 1")), StandardSetting(1));
+  EXPECT_EQ(SettingOfOperators(Expanded("P 1").operators), StandardSetting(1));
 }
 
 TEST(SpaceGroupSettings, OperatorsReadFromText) {
