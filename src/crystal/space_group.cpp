@@ -54,7 +54,7 @@ bool ReadFraction(std::string_view text, float& value) {
   const std::string top(text.substr(0, slash));
   char* end = nullptr;
   value = std::strtof(top.c_str(), &end);
-  if (top.empty() || *end != '\0') return false;
+  if (top.empty() || *end != '\0' || !std::isfinite(value)) return false;
   if (slash == std::string_view::npos) return true;
   const std::string bottom(text.substr(slash + 1));
   const long divisor = std::strtol(bottom.c_str(), &end, 10);

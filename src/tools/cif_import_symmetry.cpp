@@ -88,8 +88,9 @@ NamedGroup ByHallOrNumber(const CifText& text, std::string& note) {
   if (!setting) {
     item = FirstItem(text, "_space_group_IT_number", "_symmetry_Int_Tables_number");
     const CifNumber number = ReadCifNumber(item ? ColumnWord(item->rest, 1) : "?");
-    if (number.kind == CifNumber::Kind::kValue) {
-      setting = StandardSetting(static_cast<int>(std::lround(number.value.value)));
+    const float value = number.value.value;
+    if (number.kind == CifNumber::Kind::kValue && value >= 1.0f && value <= 230.0f) {
+      setting = StandardSetting(static_cast<int>(std::lround(value)));
     }
   }
   if (!setting) return {};

@@ -99,7 +99,7 @@ TEST(SpaceGroupSettings, OperatorsReadFromText) {
   ASSERT_TRUE(ReadOperatorText("-x+y,+x,-z+5/6", op));
   EXPECT_EQ(OperatorText(op), "-x+y,x,-z+5/6");
   for (const char* bad : {"", "x,y", "x,y,z,x", "2x,y,z", "x+x,y,z", "x,y,1/2", "x,y,z+1/0",
-                          "x,y,z+a", "x,,z", "x;y;z"}) {
+                          "x,y,z+a", "x,,z", "x;y;z", "x,y,z+nan", "x,y,z+inf"}) {
     EXPECT_FALSE(ReadOperatorText(bad, op)) << bad;
   }
 }
