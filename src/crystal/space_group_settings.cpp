@@ -44,8 +44,7 @@ const std::map<std::vector<OperatorKey>, const SpaceGroupSetting*>& SettingsByOp
       }
       map.emplace(SortedKeys(info.operators), &s);
       if (const SpaceGroupSetting* first = OriginChoiceOne(s)) {
-        const std::array<int, 3>& d = first->originMove;
-        map.emplace(SortedKeys(MovedOperators(info.operators, {-d[0], -d[1], -d[2]})), first);
+        map.emplace(SortedKeys(InOriginChoiceOne(info.operators, *first)), first);
       }
     }
     return map;
@@ -106,6 +105,12 @@ std::vector<SymmetryOperator> MovedOperators(const std::vector<SymmetryOperator>
     }
   }
   return moved;
+}
+
+std::vector<SymmetryOperator> InOriginChoiceOne(const std::vector<SymmetryOperator>& operators,
+                                                const SpaceGroupSetting& first) {
+  const std::array<int, 3>& d = first.originMove;
+  return MovedOperators(operators, {-d[0], -d[1], -d[2]});
 }
 
 bool SameOperators(const std::vector<SymmetryOperator>& a, const std::vector<SymmetryOperator>& b) {

@@ -41,6 +41,9 @@ const SpaceGroupSetting* OriginChoiceOne(const SpaceGroupSetting& setting);
 // x -> W x + t into x' -> W x' + t + (I - W) move.
 std::vector<SymmetryOperator> MovedOperators(const std::vector<SymmetryOperator>& operators,
                                              const std::array<int, 3>& move);
+// The operators of origin choice 2 as origin choice 1 (`first`) has them.
+std::vector<SymmetryOperator> InOriginChoiceOne(const std::vector<SymmetryOperator>& operators,
+                                                const SpaceGroupSetting& first);
 // Equal sets of operators, in any order, translations taken modulo whole cells.
 bool SameOperators(const std::vector<SymmetryOperator>& a, const std::vector<SymmetryOperator>& b);
 

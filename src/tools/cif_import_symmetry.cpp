@@ -138,11 +138,8 @@ const SpaceGroupSetting* SettingOfFile(const CifText& text, const NamedGroup& na
   const SpaceGroupSetting* second = SettingOfOperators(group.operators);
   const SpaceGroupSetting* first = second ? OriginChoiceOne(*second) : nullptr;
   if (SameOperators(file.operators, group.operators)) return second;
-  if (first) {
-    const std::array<int, 3>& d = first->originMove;
-    if (SameOperators(file.operators, MovedOperators(group.operators, {-d[0], -d[1], -d[2]}))) {
-      return first;
-    }
+  if (first && SameOperators(file.operators, InOriginChoiceOne(group.operators, *first))) {
+    return first;
   }
   const SpaceGroupSetting* found = SettingOfOperators(file.operators);
   if (found && (!named.named || (second && found->number == second->number))) {

@@ -10,14 +10,8 @@
 namespace kaldena {
 namespace {
 
+using testing::Expanded;
 using testing::ReferenceSetting;
-
-SpaceGroupInfo Expanded(std::string_view symbol) {
-  SpaceGroupInfo info;
-  EXPECT_EQ(ParseSpaceGroupSymbol(symbol, info), SymbolStatus::kOk) << symbol;
-  EXPECT_EQ(ExpandOperators(info), ExpandStatus::kOk) << symbol;
-  return info;
-}
 
 // Every symbol that names a setting finds that setting, whose printed symbol reads back as
 // the same operators; different settings are never taken for one another.
@@ -53,9 +47,7 @@ TEST(SpaceGroupSettings, OriginChoiceOneIsTheSecondMoved) {
     EXPECT_EQ(second->originChoice, 2) << ref.symbol;
     const SpaceGroupSetting* first = OriginChoiceOne(*second);
     ASSERT_NE(first, nullptr) << ref.symbol;
-    std::array<int, 3> back;
-    for (int i = 0; i < 3; ++i) back[i] = -first->originMove[i];
-    const std::vector<SymmetryOperator> moved = MovedOperators(group.operators, back);
+    const std::vector<SymmetryOperator> moved = InOriginChoiceOne(group.operators, *first);
     EXPECT_FALSE(SameOperators(group.operators, moved));
     EXPECT_EQ(testing::OperatorTexts(moved), ref.operators) << ref.symbol;
     // Origin choice 1 of C c c a and C c c b is one set of operators, and so on: the first.

@@ -17,17 +17,11 @@ namespace {
 
 using testing::CommonSettings;
 using testing::EveryNamedSetting;
+using testing::Expanded;
 using testing::ReferenceSetting;
 
 std::vector<std::string> OperatorTexts(const SpaceGroupInfo& info) {
   return testing::OperatorTexts(info.operators);
-}
-
-SpaceGroupInfo Expanded(std::string_view symbol) {
-  SpaceGroupInfo info;
-  EXPECT_EQ(ParseSpaceGroupSymbol(symbol, info), SymbolStatus::kOk) << symbol;
-  EXPECT_EQ(ExpandOperators(info), ExpandStatus::kOk) << symbol;
-  return info;
 }
 
 // Operators as whole twelfths, for exact composition modulo whole cells.

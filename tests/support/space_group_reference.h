@@ -2,10 +2,13 @@
 // scripts/data/make_space_group_reference.py), for the tests of the symbol reader.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "crystal/space_group.h"
@@ -59,6 +62,14 @@ inline std::vector<ReferenceSetting> EveryNamedSetting() {
   const std::vector<ReferenceSetting> others = LoadReference("crystal/space_group_settings.txt");
   settings.insert(settings.end(), others.begin(), others.end());
   return settings;
+}
+
+// The group of a symbol, expected to read and expand.
+inline SpaceGroupInfo Expanded(std::string_view symbol) {
+  SpaceGroupInfo info;
+  EXPECT_EQ(ParseSpaceGroupSymbol(symbol, info), SymbolStatus::kOk) << symbol;
+  EXPECT_EQ(ExpandOperators(info), ExpandStatus::kOk) << symbol;
+  return info;
 }
 
 inline std::vector<std::string> OperatorTexts(const std::vector<SymmetryOperator>& operators) {
