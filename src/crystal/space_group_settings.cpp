@@ -28,6 +28,7 @@ std::vector<OperatorKey> SortedKeys(const std::vector<SymmetryOperator>& operato
   std::vector<OperatorKey> keys;
   for (const SymmetryOperator& op : operators) keys.push_back(KeyOf(op));
   std::sort(keys.begin(), keys.end());
+  keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
   return keys;
 }
 

@@ -44,7 +44,8 @@ std::vector<SymmetryOperator> MovedOperators(const std::vector<SymmetryOperator>
 // The operators of origin choice 2 as origin choice 1 (`first`) has them.
 std::vector<SymmetryOperator> InOriginChoiceOne(const std::vector<SymmetryOperator>& operators,
                                                 const SpaceGroupSetting& first);
-// Equal sets of operators, in any order, translations taken modulo whole cells.
+// Equal sets of operators, in any order and repeats aside, translations taken modulo whole
+// cells.
 bool SameOperators(const std::vector<SymmetryOperator>& a, const std::vector<SymmetryOperator>& b);
 
 }  // namespace kaldena

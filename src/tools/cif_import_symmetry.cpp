@@ -129,6 +129,24 @@ std::optional<FileOperators> ReadFileOperators(const CifText& text, Reporter& re
   return file;
 }
 
+// The file's operators with the centring translations of the named group: files may list
+// the operators of one lattice point only.
+std::vector<SymmetryOperator> WithCentrings(const std::vector<SymmetryOperator>& listed,
+                                            const SpaceGroupInfo& group) {
+  std::vector<SymmetryOperator> all;
+  for (const SymmetryOperator& centring : group.operators) {
+    if (centring[0] != 1.0f || centring[5] != 1.0f || centring[10] != 1.0f) continue;
+    for (SymmetryOperator op : listed) {
+      for (int i = 3; i < 12; i += 4) {
+        op[i] += centring[i];
+        op[i] -= std::floor(op[i]);
+      }
+      all.push_back(op);
+    }
+  }
+  return all;
+}
+
 // The setting of the file's coordinates: the named one or its origin choice 1 by the file's
 // operators; another setting of the named group, or any setting when nothing named one, that
 // the operators are. Null for a named symbol that no setting of the table has.
@@ -137,11 +155,12 @@ const SpaceGroupSetting* SettingOfFile(const CifText& text, const NamedGroup& na
                                        Reporter& reporter) {
   const SpaceGroupSetting* second = SettingOfOperators(group.operators);
   const SpaceGroupSetting* first = second ? OriginChoiceOne(*second) : nullptr;
-  if (SameOperators(file.operators, group.operators)) return second;
-  if (first && SameOperators(file.operators, InOriginChoiceOne(group.operators, *first))) {
+  const std::vector<SymmetryOperator> operators = WithCentrings(file.operators, group);
+  if (SameOperators(operators, group.operators)) return second;
+  if (first && SameOperators(operators, InOriginChoiceOne(group.operators, *first))) {
     return first;
   }
-  const SpaceGroupSetting* found = SettingOfOperators(file.operators);
+  const SpaceGroupSetting* found = SettingOfOperators(operators);
   if (found && (!named.named || (second && found->number == second->number))) {
     reporter.LogLine(text.Where(file.line) + ": the symmetry operators are those of " +
                      std::string(found->printed) + ", which is used");

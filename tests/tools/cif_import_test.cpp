@@ -408,6 +408,34 @@ TEST(CifImportSettings, MessagesTellWhatStoodInForTheSymbolAndTheMove) {
   EXPECT_FLOAT_EQ(phase.atoms.at(0).values[0], 0.35f);
 }
 
+// Many files list the operators of one lattice point only: origin choice 1 is told all the
+// same.
+TEST(CifImportSettings, OperatorsOfOneLatticePointTellTheOriginToo) {
+  SpaceGroupInfo group;
+  ASSERT_EQ(ParseSpaceGroupSymbol("F D 3 M", group), SymbolStatus::kOk);
+  ASSERT_EQ(ExpandOperators(group), ExpandStatus::kOk);
+  const SpaceGroupSetting* first = OriginChoiceOne(*SettingOfOperators(group.operators));
+  ASSERT_NE(first, nullptr);
+  std::string text =
+      "_symmetry_space_group_name_H-M 'F d -3 m'\nloop_\n"
+      "_symmetry_equiv_pos_as_xyz\n";
+  std::vector<std::string> rotations;
+  for (const SymmetryOperator& op : InOriginChoiceOne(group.operators, *first)) {
+    const std::string rotation =
+        OperatorText({op[0], op[1], op[2], 0, op[4], op[5], op[6], 0, op[8], op[9], op[10], 0});
+    if (std::find(rotations.begin(), rotations.end(), rotation) != rotations.end()) continue;
+    rotations.push_back(rotation);
+    text += OperatorText(op) + "\n";
+  }
+  ASSERT_EQ(rotations.size(), 48u);
+  text += "\nloop_\n_atom_site_label\n_atom_site_fract_x\nCe1 0\n";
+  RecordingReporter reporter;
+  const CifPhase phase = ImportCifText("lattice.cif", text, reporter);
+  EXPECT_TRUE(Has(reporter.log, "lattice.cif:2: origin choice 1 (F d -3 m:1)"));
+  EXPECT_FLOAT_EQ(phase.atoms.at(0).values[0], 0.875f);
+  EXPECT_FALSE(Has(reporter.log, "not those of"));
+}
+
 // --- Records and a run ----------------------------------------------------------------------
 
 TEST(CifImport, RecordsOfThePhaseInTheirLayouts) {
