@@ -14,6 +14,7 @@
 #include "engine/result_records.h"
 #include "engine/shift_solver.h"
 #include "util/column_format.h"
+#include "util/text.h"
 
 namespace kaldena {
 
@@ -223,6 +224,22 @@ void ListResiduals(EngineState& state) {
   list.Text(Format("(/' ESD:S HAVE TO BE MULTIPLIED BY: ',F6.3/)", s.esdFactor));
 }
 
+void ReportCycle(const EngineState& state, int cycle, const CycleHook& onCycle) {
+  if (!onCycle) return;
+  const size_t n = static_cast<size_t>(state.points.count);
+  CycleReport report;
+  report.cycle = cycle;
+  report.rwp = state.summary.rwp;
+  report.chi2 = state.summary.chi2;
+  report.largestRatio = state.summary.largestRatio;
+  report.largestName = std::string(Trimmed(state.summary.largestName));
+  report.twoTheta = std::span<const float>(state.points.x.data(), n);
+  report.observed = std::span<const float>(state.points.observed.data(), n);
+  report.calculated = std::span<const float>(state.work.calculated.data(), n);
+  report.background = std::span<const float>(state.work.background.data(), n);
+  onCycle(report);
+}
+
 }  // namespace
 
 void PrepareCycles(EngineState& state) {
@@ -260,7 +277,8 @@ bool AssignSpans(EngineState& state) {
   return status == SpanStatus::kOk;
 }
 
-CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop) {
+CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop,
+                      const CycleHook& onCycle) {
   PrepareCycles(state);
   const bool refinement = IsRefinement(state.controls) && state.parameters > 0;
   const int cycles = refinement ? std::max(state.controls.cycles, 1) : 1;
@@ -289,6 +307,7 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
       return CycleStatus::kFailed;
     }
     ShiftStatistics(state, reporter);
+    ReportCycle(state, cycle, onCycle);
     if (state.controls.termination > std::abs(state.summary.largestRatio) || stop) break;
     Progress(state, reporter, " Shifts applied");
   }

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 
 #include "engine/engine_state.h"
+#include "engine/run_summary.h"
 #include "util/report.h"
 
 namespace kaldena {
@@ -21,8 +23,12 @@ bool AssignSpans(EngineState& state);
 // stands after the input.
 void PrepareCycles(EngineState& state);
 
+using CycleHook = std::function<void(const CycleReport&)>;
+
 // Runs the cycles of a refinement, or the one sweep of a calculation or comparison. A set
 // `stop` ends the refinement after the current cycle, as if the shifts had converged.
-CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop);
+// `onCycle`, when set, sees the figures and the pattern of every accepted cycle.
+CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop,
+                      const CycleHook& onCycle = {});
 
 }  // namespace kaldena

@@ -1,6 +1,7 @@
 #include "engine/run_engine.h"
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -42,7 +43,25 @@ void DebugWord(bool debug, Reporter& reporter, std::string_view word) {
 struct ProjectRun {
   bool ok = false;
   std::string parameterFile;  // the run's output parameter file
+  RunSummary summary;
 };
+
+// The figures of the kept cycle.
+void FillSummary(const EngineState& state, RunSummary& summary) {
+  const CycleSummary& s = state.summary;
+  summary.cycles = s.cycles;
+  summary.keptCycle = s.cycles;
+  summary.rp = s.rp;
+  summary.rwp = s.rwp;
+  summary.chi2 = s.chi2;
+  summary.gof = std::sqrt(std::max(s.chi2, 0.0f));
+  summary.rexp = summary.gof > 0 ? s.rwp / summary.gof : 0.0f;
+  summary.largestRatio = s.largestRatio;
+  summary.largestName = std::string(Trimmed(s.largestName));
+  summary.parameters = state.parameters;
+  summary.points = s.points;
+  summary.reflections = state.reflections.Count();
+}
 
 // The stages of one project. A failure leaves the project and its parameter file as they
 // were, with the reason in the list file.
@@ -51,6 +70,7 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
   static const std::atomic<bool> kNeverStop{false};
   const std::atomic<bool>& stop = request.stop ? *request.stop : kNeverStop;
   ProjectRun run;
+  run.summary.project = project;
   EngineState state;
   ZeroEngineState(state);
   state.debug = request.debug;
@@ -64,11 +84,13 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
   const bool ok = ReadEngineInput(state, store, reporter) == InputStatus::kOk &&
                   (DebugWord(state.debug, reporter, "Input done"), AssignSpans(state)) &&
                   (DebugWord(state.debug, reporter, "Assignment done"),
-                   RunCycles(state, reporter, stop) == CycleStatus::kOk) &&
+                   RunCycles(state, reporter, stop, request.onCycle) == CycleStatus::kOk) &&
                   (DebugWord(state.debug, reporter, "Iterations done"),
                    WriteEngineOutput(state, reporter) == OutputStatus::kOk);
   state.list.Close();
+  FillSummary(state, run.summary);
   if (!ok) return run;
+  run.summary.outcome = RunOutcome::kConverged;
   DebugWord(state.debug, reporter, "Output done");
   const int elapsed = ElapsedSeconds(started, ClockSeconds());
   const std::string seconds = Format("(i7,' seconds elapsed'//)", elapsed);
@@ -142,6 +164,11 @@ void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
   }
 }
 
+void AddRun(const ProjectRun& run, EngineResult& result) {
+  result.runs.push_back(run.summary);
+  result.outcome = WorseOutcome(result.outcome, run.summary.outcome);
+}
+
 EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& reporter) {
   EngineResult result;
   static constexpr const char* kNames[] = {"", "mlt", "exp", "edt"};
@@ -164,6 +191,7 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
       if (!lines.empty()) ApplyRecordLines(project, lines, reporter);
     }
     const ProjectRun run = RunProject(project, request, reporter);
+    AddRun(run, result);
     if (!run.ok) {
       result.status = 1;
       return result;
@@ -205,7 +233,9 @@ EngineResult RunEngine(const EngineRequest& request, Reporter& reporter) {
   const BatchMode mode = BatchModeOf(request.fileName);
   if (mode != BatchMode::kProject) return RunBatch(request, mode, reporter);
   EngineResult result;
-  result.status = RunProject(std::string(Trimmed(request.fileName)), request, reporter).ok ? 0 : 1;
+  const ProjectRun run = RunProject(std::string(Trimmed(request.fileName)), request, reporter);
+  AddRun(run, result);
+  result.status = run.ok ? 0 : 1;
   return result;
 }
 
