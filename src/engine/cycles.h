@@ -12,7 +12,8 @@ namespace kaldena {
 
 enum class CycleStatus {
   kOk = 0,
-  kFailed = 1,  // a zero derivative or an illegal profile, told in the list file
+  kFailed = 1,     // a zero derivative or an illegal profile, told in the list file
+  kNonFinite = 2,  // the start model gives a non-finite pattern: no finite state to keep
 };
 
 // Ties every point to its reflections; false after " EXCESSIVE PEAK OVERLAP", "NO REFLECTIONS
