@@ -49,7 +49,7 @@ enum PhaseSlot {
   kOrientation1 = 12,
   kOrientation2 = 13,
   kAsymmetry = 14,
-  kShapeA = 15,  // NA, NB, NC at 15 to 17
+  kShapeA = 15,        // NA, NB, NC at 15 to 17
   kRightHalfwidthU = 18,
   kRightShapeA = 21,
   kStackingFault = 24,
@@ -58,14 +58,7 @@ enum PhaseSlot {
 inline constexpr int kPhaseSlots = 35;
 
 // Columns of the atom table (from 1): note B before the occupation.
-enum AtomColumn {
-  kAtomX = 1,
-  kAtomY = 2,
-  kAtomZ = 3,
-  kAtomB = 4,
-  kAtomOccupation = 5,
-  kAtomBeta11 = 6
-};
+enum AtomColumn { kAtomX = 1, kAtomY = 2, kAtomZ = 3, kAtomB = 4, kAtomOccupation = 5, kAtomBeta11 = 6 };
 inline constexpr int kAtomColumns = 11;
 
 template <int N>
@@ -90,7 +83,7 @@ struct Atom {
   int type = 1;       // into the atom types, from 1
   int siteFactor = 1;
   int yCoupling = 0, zCoupling = 0, bCoupling = 0;  // 0 to 5
-  bool anisotropic = false;                         // a BETA line was read
+  bool anisotropic = false;                          // a BETA line was read
   RefinableRow<kAtomColumns> values;
 };
 
@@ -103,7 +96,7 @@ struct Phase {
   bool celluloseOrientation = false;  // ASYM (4) = 1
   SpaceGroupInfo group;
   std::array<float, 6> cell{};  // a, b, c, alpha, beta, gamma
-  int laueFlag = 0;             // ties of the metric slots: 1 B to A, 2 B and C to A
+  int laueFlag = 0;            // ties of the metric slots: 1 B to A, 2 B and C to A
   RefinableRow<kPhaseSlots> values;
 };
 
@@ -150,16 +143,16 @@ struct RunControls {
   std::array<float, 8> rlim{};  // peak range, monochromator, mu R, asymmetry limit, synchrotron,
                                 // Guinier, autodivergence, flat plate mu T
   int cycles = 0;
-  float termination = 0;              // shift over standard deviation
+  float termination = 0;            // shift over standard deviation
   std::array<float, 4> relaxation{};  // atomic, thermal, profile, other
   float start = 0, step = 0, stop = 0;
   float damping = 1.0f;
   std::vector<ParameterLimit> limits;
   std::vector<ParameterBlock> blocks;
   std::vector<std::array<float, 2>> excludedRegions;
-  int calibration = 0;                             // ICLT
-  std::vector<double> polynomial;                  // POLY
-  std::vector<std::array<float, 3>> splinePoints;  // SPLC: X, Y, P
+  int calibration = 0;                              // ICLT
+  std::vector<double> polynomial;                   // POLY
+  std::vector<std::array<float, 3>> splinePoints;   // SPLC: X, Y, P
   std::array<float, 2> chebyshevInterval{};
   std::array<float, 4> crystallinity{};
   float restraintWeight = 0;
@@ -175,17 +168,17 @@ struct PatternPoints {
 // How a reflection's derivative row meets the profile at a point: the factor that multiplies
 // the row entry of a parameter in the sweep over the points.
 enum class RowFactor : unsigned char {
-  kOne = 0,       // structure-factor values: the row holds d F2 / d value
-  kWidth,         // dH
-  kRightWidth,    // dHR
-  kPosition,      // shifts of the peak: cd d + dP
-  kDivergenceSL,  // numeric derivatives of the axial-divergence profile
+  kOne = 0,           // structure-factor values: the row holds d F2 / d value
+  kWidth,             // dH
+  kRightWidth,        // dHR
+  kPosition,          // shifts of the peak: cd d + dP
+  kDivergenceSL,      // numeric derivatives of the axial-divergence profile
   kDivergenceHL,
-  kShape,         // dEta
-  kRightShape,    // dEtaR
-  kAsymmetry,     // dA, or the Rietveld form
-  kTransparency,  // the transparency asymmetry
-  kTheta,         // metric and wavelength: cd d + dTheta
+  kShape,             // dEta
+  kRightShape,        // dEtaR
+  kAsymmetry,         // dA, or the Rietveld form
+  kTransparency,      // the transparency asymmetry
+  kTheta,             // metric and wavelength: cd d + dTheta
 };
 
 // Work arrays of the least-squares cycles, allocated by the cycle stage.
