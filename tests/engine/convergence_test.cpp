@@ -1,0 +1,144 @@
+// Refinements from bad starts on a simulated pattern with counting noise: the step control
+// must bring each to the true minimum, or end it as diverging with its best cycle kept, and
+// never leave a worse fit or a non-finite value behind.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <regex>
+#include <string>
+
+#include "engine/run_engine.h"
+#include "support/ceria_project.h"
+#include "support/test_files.h"
+
+namespace kaldena {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::CeriaProject;
+using testing::ReadBytes;
+using testing::RecordValue;
+using testing::ScratchDir;
+
+constexpr float kScale = 0.002f, kCell = 5.411f, kW = 0.015f, kZero = 0.0f;
+
+struct BadStart {
+  const char* name;
+  const char* scale;
+  const char* cell;
+  const char* w;
+  const char* zero;
+  bool allProfile = false;  // U, V and the first two shape values refined besides
+  // Whether the start lies in the basin of the true minimum. Outside it (peaks moved by more
+  // than their width, or widths held at the floor of a negative U, V, W square) the run must
+  // still end no worse than it started, finite and without giving up at once.
+  bool reachesMinimum = true;
+};
+
+std::string Replaced(std::string text, std::string_view from, std::string_view to) {
+  text.replace(text.find(from), from.size(), to);
+  return text;
+}
+
+// 30 cycles, stop below 0.01 esd.
+std::string StartProject(const BadStart& b) {
+  std::string p = CeriaProject(0, b.scale, b.cell, b.w, b.zero);
+  p = Replaced(p, "RELX         10 0.01", "RELX         30 0.01");
+  if (b.allProfile) {
+    p = Replaced(p, "CHWT           0.000     0.000     1.000",
+                 "CHWT           1.000     1.000     1.000");
+    p = Replaced(p, "HWTH         0.00500  -0.00500", "HWTH         0.03000   0.02000");
+    p = Replaced(p, "PKSH         0.40000   0.00000   0.00000\n",
+                 "PKSH         0.90000   0.00000   0.00000\n"
+                 "CPKS           1.000     1.000     0.000\n");
+  }
+  return p;
+}
+
+// A refined value and its esd from a record and its SD twin.
+struct Refined {
+  float value, esd;
+};
+
+Refined Get(const fs::path& par, std::string_view key, std::string_view sd, std::string_view layout,
+            int field) {
+  return {RecordValue(par, key, layout, field), RecordValue(par, sd, layout, field)};
+}
+
+float Chi2OfFirstCycle(const std::string& list) {
+  std::smatch m;
+  EXPECT_TRUE(std::regex_search(list, m, std::regex("CHI2 = *([0-9.]+)"))) << list;
+  return std::stof(m[1]);
+}
+
+bool HasNonFinite(const std::string& text) {
+  return std::regex_search(text, std::regex("nan|inf", std::regex::icase));
+}
+
+class Convergence : public ::testing::TestWithParam<BadStart> {
+ protected:
+  void SetUp() override {
+    old_ = fs::current_path();
+    fs::current_path(dir_.Path());
+    dir_.Write("model.rec",
+               CeriaProject(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
+    ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter_).status, 0);
+    testing::SummaryToPattern(dir_.Path() / "%model.sum", dir_.Path() / "pattern.xy", 11);
+  }
+  void TearDown() override { fs::current_path(old_); }
+
+  ScratchDir dir_;
+  fs::path old_;
+  RecordingReporter reporter_;
+};
+
+TEST_P(Convergence, ReachesTheTrueMinimumOrKeepsItsBestCycle) {
+  const BadStart b = GetParam();
+  dir_.Write("start.rec", StartProject(b));
+  const EngineResult result = RunEngine({"start.rec", false, nullptr}, reporter_);
+  const fs::path par = dir_.Path() / "%start.par";
+  const std::string list = ReadBytes(dir_.Path() / "%start.out");
+  ASSERT_EQ(result.status, 0) << b.name << "\n" << list;
+  ASSERT_EQ(result.runs.size(), 1u);
+  const RunSummary& s = result.runs[0];
+  for (const char* ext : {".out", ".par", ".sum", ".fou"}) {
+    EXPECT_FALSE(HasNonFinite(ReadBytes(dir_.Path() / (std::string("%start") + ext))))
+        << b.name << " " << ext;
+  }
+  EXPECT_LE(s.chi2, Chi2OfFirstCycle(list)) << b.name;
+  EXPECT_GT(s.cycles, 1) << b.name << ": the step control gave up at once\n" << list;
+  if (s.outcome == RunOutcome::kDiverging) {
+    EXPECT_NE(list.find("kept (lowest weighted sum of squares)"), std::string::npos) << list;
+  }
+  if (!b.reachesMinimum) return;
+  EXPECT_EQ(s.outcome, RunOutcome::kConverged) << b.name << "\n" << list;
+  EXPECT_NEAR(s.chi2, 1.0f, 0.15f) << b.name;
+  auto within3 = [&](const char* what, Refined r, float truth) {
+    EXPECT_GT(r.esd, 0) << b.name << " " << what;
+    EXPECT_LT(std::abs(r.value - truth), 3 * r.esd)
+        << b.name << " " << what << " " << r.value << " (" << r.esd << ") against " << truth;
+  };
+  within3("scale", Get(par, "SCAL", "SDSC", "(2F15.0)", 0), kScale);
+  within3("a", Get(par, "CELL", "SDCE", "(6F10.0)", 0), kCell);
+  within3("W", Get(par, "HWTH", "SDHW", "(6F10.0)", 2), kW);
+  within3("zero",
+          {RecordValue(par, "ZETT", "(6F10.0)", 0), RecordValue(par, "ZETT", "(6F10.0)", 3)},
+          kZero);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    BadStarts, Convergence,
+    ::testing::Values(BadStart{"scale100xSmall", " 0.2000E-04", "  5.411000", "   0.01500",
+                               "   0.00000"},
+                      BadStart{"zeroOff", " 0.2000E-02", "  5.411000", "   0.01500", "   0.30000"},
+                      BadStart{"cell3PercentOff", " 0.2000E-02", "  5.573330", "   0.01500",
+                               "   0.00000", false, false},
+                      BadStart{"wNegative", " 0.2000E-02", "  5.411000", "  -0.01500", "   0.00000",
+                               false, false},
+                      BadStart{"allProfile", " 0.2000E-02", "  5.411000", "   0.10000",
+                               "   0.00000", true, false}),
+    [](const ::testing::TestParamInfo<BadStart>& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace kaldena
