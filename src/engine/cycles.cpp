@@ -444,9 +444,9 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
       state.list.Drop();
       before.RestoreInto(state);
       swept.RestoreInto(state);
+      ListRejected(state, reporter, cycle, why, marquardt.Value());
       marquardt.Raise();
       ++s.rejectedTries;
-      ListRejected(state, reporter, cycle, why, marquardt.Value());
       if (++rejectedInRow < kMaxRejectedTries && !stop) continue;
       s.end = stop ? CycleEnd::kStopped : CycleEnd::kDiverging;
       state.list.Line(FormatLine("(/' Step control gave up after',I2,' rejected tries: diverging')",

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "engine/run_engine.h"
+#include "store/record_store.h"
 #include "support/ceria_project.h"
 #include "support/test_files.h"
 
@@ -72,6 +73,38 @@ float Chi2OfFirstCycle(const std::string& list) {
   return std::stof(m[1]);
 }
 
+// The figures of the summary are those of the list file's last residuals and of RVAL.
+void ExpectSummaryAgrees(const RunSummary& s, const std::string& list, const fs::path& par) {
+  std::smatch m;
+  std::string last;
+  for (auto it = std::sregex_iterator(
+           list.begin(), list.end(),
+           std::regex(" Rp = *([0-9.]+) +Rwp = *([0-9.]+) +CHI2 = *([0-9.]+)"));
+       it != std::sregex_iterator(); ++it) {
+    last = (*it)[0];
+  }
+  ASSERT_TRUE(std::regex_search(
+      last, m, std::regex("Rp = *([0-9.]+) +Rwp = *([0-9.]+) +CHI2 = *([0-9.]+)")));
+  EXPECT_NEAR(s.rp, std::stof(m[1]), 0.005f);
+  EXPECT_NEAR(s.rwp, std::stof(m[2]), 0.005f);
+  EXPECT_NEAR(s.chi2, std::stof(m[3]), 0.005f);
+  RecordingReporter reporter;
+  RecordStore store(reporter);
+  ASSERT_GT(store.jReadRecFile(par.string()), 0);
+  std::string data;
+  ASSERT_EQ(store.jFindRec("RVAL", data), 1);
+  int parameters = 0, points = 0, reflections = 0;
+  float rp = 0, rwp = 0, chi2 = 0, bragg = 0;
+  Read(data, "(i4,i6,i5,4f10.0)", parameters, points, reflections, rp, rwp, chi2, bragg);
+  EXPECT_EQ(s.parameters, parameters);
+  EXPECT_EQ(s.points, points);
+  EXPECT_NEAR(s.rwp, rwp, 1e-4f);
+  EXPECT_NEAR(s.chi2, chi2, 1e-4f);
+  ASSERT_EQ(s.phases.size(), 1u);
+  EXPECT_NEAR(s.phases[0].braggR, bragg, 1e-4f);
+  EXPECT_EQ(s.phases[0].reflections, reflections);
+}
+
 bool HasNonFinite(const std::string& text) {
   return std::regex_search(text, std::regex("nan|inf", std::regex::icase));
 }
@@ -107,6 +140,7 @@ TEST_P(Convergence, ReachesTheTrueMinimumOrKeepsItsBestCycle) {
         << b.name << " " << ext;
   }
   EXPECT_LE(s.chi2, Chi2OfFirstCycle(list)) << b.name;
+  ExpectSummaryAgrees(s, list, par);
   EXPECT_GT(s.cycles, 1) << b.name << ": the step control gave up at once\n" << list;
   if (s.outcome == RunOutcome::kDiverging) {
     EXPECT_NE(list.find("kept (lowest weighted sum of squares)"), std::string::npos) << list;

@@ -115,5 +115,52 @@ TEST(StepControl, ARunWithoutAFiniteStartFailsAndLeavesItsFilesAlone) {
   EXPECT_EQ(testing::ReadBytes(dir.Path() / "start.rec"), project);
 }
 
+// The scale tied to Ce's B, which alone is refined: the derivative of B knows nothing of the
+// scale that follows it, so every step, however damped, raises the sum of squares.
+std::string AllStepsUphill() {
+  std::string p = testing::CeriaProject(0, " 0.7000E-03", "  5.411000", "   0.01500", "   0.00000");
+  for (const char* free : {"CZET           1.000", "CBKG           1.000", "CCEL           1.000",
+                           "CHWT           0.000     0.000     1.000"}) {
+    const size_t at = p.find(free);
+    p.replace(at + 4, std::string_view(free).size() - 4,
+              std::string(std::string_view(free).size() - 9, ' ') + "0.000");
+  }
+  p.replace(p.find("CSCA           1.000"), 20, "CSCA        5010.007");
+  p.replace(p.find("0.30000 48"), 7, "0.10000");
+  p += "CXYZ Ce        0.000     0.000     0.000     0.000    11.000\n"
+       "CXYZ O         0.000     0.000     0.000     0.000     0.000\n";
+  return p;
+}
+
+TEST(StepControl, FiveRejectedTriesEndTheRunAsDivergingWithTheStartKept) {
+  testing::ScratchDir dir;
+  const fs::path old = fs::current_path();
+  fs::current_path(dir.Path());
+  RecordingReporter reporter;
+  dir.Write("model.rec",
+            testing::CeriaProject(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
+  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
+  testing::SummaryToPattern("%model.sum", "pattern.xy", 5);
+  dir.Write("start.rec", AllStepsUphill());
+  const EngineResult result = RunEngine({"start.rec", false, nullptr}, reporter);
+  fs::current_path(old);
+  const std::string list = testing::ReadBytes(dir.Path() / "%start.out");
+  ASSERT_EQ(result.status, 0) << list;
+  ASSERT_EQ(result.runs.size(), 1u);
+  const RunSummary& s = result.runs[0];
+  EXPECT_EQ(s.outcome, RunOutcome::kDiverging) << list;
+  EXPECT_EQ(result.outcome, RunOutcome::kDiverging);
+  EXPECT_EQ(s.rejectedSteps, kMaxRejectedTries);
+  EXPECT_EQ(s.cycles, 0);
+  EXPECT_EQ(s.keptCycle, 0);
+  EXPECT_NE(list.find(" Step control gave up after 5 rejected tries: diverging"),
+            std::string::npos);
+  EXPECT_NE(list.find(" Parameters of cycle   0 kept"), std::string::npos);
+  const fs::path par = dir.Path() / "%start.par";
+  // The start kept: the scale still the tie's fraction of the start B, 0.1.
+  EXPECT_NEAR(testing::RecordValue(par, "SCAL", "(2F15.0)", 0), (5010.007f - 5010.0f) * 0.1f,
+              1e-7f);
+}
+
 }  // namespace
 }  // namespace kaldena
