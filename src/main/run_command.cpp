@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "engine/run_engine.h"
+#include "engine/run_report.h"
 #include "main/commands.h"
 #include "store/job_records.h"
 #include "store/record_store.h"
 #include "util/column_format.h"
 #include "util/report.h"
-#include "util/text.h"
 
 namespace kaldena {
 
@@ -23,31 +23,12 @@ std::atomic<bool> stopRequested{false};
 
 extern "C" void RequestStop(int) { stopRequested = true; }
 
-void LogLines(Reporter& reporter, std::string_view text) {
-  for (std::string_view line : SplitLines(text)) reporter.LogLine(line);
-}
-
 // One line per accepted cycle, beside the engine's own log lines.
 void LogCycle(Reporter& reporter, const CycleReport& c) {
   reporter.LogLine(
       FormatLine("('Cycle',I4,':  Rwp =',F7.2,'  CHI2 =',F9.2,'  max shift/esd',"
                  "F9.2,' (',A,')')",
                  c.cycle, c.rwp, c.chi2, c.largestRatio, c.largestName));
-}
-
-// How each run ended; for a failure the list file's reason after "Refinement interupted".
-int TellOutcome(Reporter& reporter, const EngineResult& result) {
-  if (result.status != 0) reporter.LogLine("Refinement interupted");
-  for (const RunSummary& run : result.runs) {
-    if (run.outcome == RunOutcome::kFailed) {
-      if (!run.reason.empty()) LogLines(reporter, run.reason);
-      continue;
-    }
-    if (result.runs.size() > 1) reporter.LogLine(run.project + ":");
-    LogLines(reporter, run.BriefReport());
-  }
-  const RunOutcome worst = result.status != 0 ? RunOutcome::kFailed : result.outcome;
-  return ExitCodeOf(worst);
 }
 
 }  // namespace
@@ -74,7 +55,7 @@ int RunCommand(const std::vector<std::string>& args) {
   request.onCycle = [&reporter](const CycleReport& c) { LogCycle(reporter, c); };
   const EngineResult result = RunEngine(request, reporter);
   std::signal(SIGINT, SIG_DFL);
-  return TellOutcome(reporter, result);
+  return TellOutcome(result, reporter);
 }
 
 int UpdateCommand(const std::vector<std::string>& args) {
