@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <regex>
 #include <string>
+#include <vector>
 
 #include "engine/run_engine.h"
 #include "store/record_store.h"
@@ -129,7 +130,16 @@ class Convergence : public ::testing::TestWithParam<BadStart> {
 TEST_P(Convergence, ReachesTheTrueMinimumOrKeepsItsBestCycle) {
   const BadStart b = GetParam();
   dir_.Write("start.rec", StartProject(b));
-  const EngineResult result = RunEngine({"start.rec", false, nullptr}, reporter_);
+  EngineRequest request("start.rec");
+  std::vector<CycleReport> reports;  // the figures; the pattern checked while it is valid
+  request.onCycle = [&](const CycleReport& c) {
+    EXPECT_EQ(c.twoTheta.size(), c.calculated.size());
+    EXPECT_EQ(c.observed.size(), c.calculated.size());
+    EXPECT_EQ(c.background.size(), c.calculated.size());
+    EXPECT_GT(c.calculated.size(), 3000u);
+    reports.push_back({c.cycle, c.rwp, c.chi2, c.largestRatio, c.largestName, {}, {}, {}, {}});
+  };
+  const EngineResult result = RunEngine(request, reporter_);
   const fs::path par = dir_.Path() / "%start.par";
   const std::string list = ReadBytes(dir_.Path() / "%start.out");
   ASSERT_EQ(result.status, 0) << b.name << "\n" << list;
@@ -140,6 +150,13 @@ TEST_P(Convergence, ReachesTheTrueMinimumOrKeepsItsBestCycle) {
         << b.name << " " << ext;
   }
   EXPECT_LE(s.chi2, Chi2OfFirstCycle(list)) << b.name;
+  // One report per accepted cycle, numbered as the list file numbers them.
+  ASSERT_EQ(static_cast<int>(reports.size()), s.cycles) << b.name;
+  for (size_t i = 0; i < reports.size(); ++i) EXPECT_EQ(reports[i].cycle, static_cast<int>(i + 1));
+  if (s.keptCycle == s.cycles && s.outcome != RunOutcome::kDiverging) {
+    EXPECT_EQ(reports.back().rwp, s.rwp);
+    EXPECT_EQ(reports.back().largestName, s.largestName);
+  }
   ExpectSummaryAgrees(s, list, par);
   EXPECT_GT(s.cycles, 1) << b.name << ": the step control gave up at once\n" << list;
   if (s.outcome == RunOutcome::kDiverging) {
