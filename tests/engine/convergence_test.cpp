@@ -115,10 +115,7 @@ class Convergence : public ::testing::TestWithParam<BadStart> {
   void SetUp() override {
     old_ = fs::current_path();
     fs::current_path(dir_.Path());
-    dir_.Write("model.rec",
-               CeriaProject(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
-    ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter_).status, 0);
-    testing::SummaryToPattern(dir_.Path() / "%model.sum", dir_.Path() / "pattern.xy", 11);
+    testing::SimulateCeriaPattern(dir_, reporter_, 11);
   }
   void TearDown() override { fs::current_path(old_); }
 

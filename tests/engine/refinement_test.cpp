@@ -1,7 +1,5 @@
 // Whole runs of the engine: a pattern calculated from a model, then refined from a perturbed
 // start, must give back the model it was made with.
-#include "engine/run_engine.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -9,6 +7,7 @@
 #include <iomanip>
 #include <sstream>
 
+#include "engine/run_engine.h"
 #include "store/record_store.h"
 #include "support/ceria_project.h"
 #include "support/test_files.h"
@@ -19,26 +18,17 @@ namespace kaldena {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ReadBytes;
 using testing::CeriaProject;
+using testing::ReadBytes;
 using testing::RecordValue;
 using testing::ScratchDir;
-using testing::SummaryToPattern;
-
-// The pattern of the model (scale 0.002, a 5.411, W 0.015, zero 0) as pattern.xy in the
-// current directory.
-void SimulatePattern(const ScratchDir& dir, Reporter& reporter) {
-  dir.Write("model.rec", CeriaProject(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
-  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
-  SummaryToPattern(dir.Path() / "%model.sum", dir.Path() / "pattern.xy");
-}
 
 TEST(Refinement, RecoversTheModelOfASimulatedPattern) {
   ScratchDir dir;
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
   RecordingReporter reporter;
-  SimulatePattern(dir, reporter);
+  testing::SimulateCeriaPattern(dir, reporter);
 
   dir.Write("start.rec", CeriaProject(0, " 0.1700E-02", "  5.405000", "   0.02500", "   0.03000"));
   const EngineResult refined = RunEngine({"start.rec", false, nullptr}, reporter);
@@ -66,7 +56,7 @@ TEST(Refinement, AValueGoingBelowItsLimitBlocksAnotherParameter) {
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
   RecordingReporter reporter;
-  SimulatePattern(dir, reporter);
+  testing::SimulateCeriaPattern(dir, reporter);
   // The scale (group 1) starts above 0.0022 and falls below it: W (group 2) is held from then.
   std::string start = CeriaProject(0, " 0.2600E-02", "  5.411000", "   0.02500", "   0.00000");
   start = Replaced(start, "CSCA           1.000", "CSCA          11.000");
@@ -86,7 +76,7 @@ TEST(Refinement, AValueGoingBelowItsLimitBlocksAnotherParameter) {
   const size_t w = after.find("CYCLE");
   ASSERT_NE(w, std::string::npos);
   const float held = RecordValue(dir.Path() / "%start.par", "HWTH", "(6F10.0)", 2);
-  EXPECT_LT(std::abs(held - 0.015f), 0.0099f);  // moved in the cycles before the block
+  EXPECT_LT(std::abs(held - 0.015f), 0.0099f);            // moved in the cycles before the block
   EXPECT_EQ(after.find("W PHASE 1"), std::string::npos);  // never the largest shift again
 }
 

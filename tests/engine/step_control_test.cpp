@@ -86,10 +86,7 @@ TEST(StepControl, ARunWithoutAFiniteStartFailsAndLeavesItsFilesAlone) {
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
   RecordingReporter reporter;
-  dir.Write("model.rec",
-            testing::CeriaProject(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
-  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
-  testing::SummaryToPattern("%model.sum", "pattern.xy");
+  testing::SimulateCeriaPattern(dir, reporter);
   dir.Write("start.rec",
             testing::CeriaProject(0, "        NaN", "  5.411000", "   0.01500", "   0.00000"));
   const std::string earlier = "an earlier parameter file\n";
@@ -137,10 +134,7 @@ TEST(StepControl, FiveRejectedTriesEndTheRunAsDivergingWithTheStartKept) {
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
   RecordingReporter reporter;
-  dir.Write("model.rec",
-            testing::CeriaProject(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
-  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
-  testing::SummaryToPattern("%model.sum", "pattern.xy", 5);
+  testing::SimulateCeriaPattern(dir, reporter, 5);
   dir.Write("start.rec", AllStepsUphill());
   const EngineResult result = RunEngine({"start.rec", false, nullptr}, reporter);
   fs::current_path(old);

@@ -16,7 +16,9 @@
 #include <string>
 #include <string_view>
 
+#include "engine/run_engine.h"
 #include "store/record_store.h"
+#include "support/test_files.h"
 #include "util/column_format.h"
 #include "util/report.h"
 
@@ -72,6 +74,14 @@ inline void SummaryToPattern(const std::filesystem::path& summary,
     }
     out << FormatLine("(f8.3,f12.1)", x, y) << "\n";
   }
+}
+
+// The pattern of the true model (scale 0.002, a 5.411, W 0.015, zero 0), calculated by a run
+// in the current directory, `dir`, and written there as pattern.xy; with a seed, with noise.
+inline void SimulateCeriaPattern(const ScratchDir& dir, Reporter& reporter, unsigned seed = 0) {
+  dir.Write("model.rec", CeriaProject(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
+  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
+  SummaryToPattern(dir.Path() / "%model.sum", dir.Path() / "pattern.xy", seed);
 }
 
 // Field `field` of the first record of `key`, read with `layout`.
