@@ -186,8 +186,7 @@ void ApplyRecordLines(const std::string& project, const std::vector<std::string>
   std::vector<std::pair<std::string, std::vector<Record>>> byKey;
   for (const std::string& line : lines) {
     const std::string key = UpperKey(PadRecord(line).substr(0, 4));
-    auto found =
-        std::find_if(byKey.begin(), byKey.end(), [&](const auto& k) { return k.first == key; });
+    auto found = std::find_if(byKey.begin(), byKey.end(), [&](const auto& k) { return k.first == key; });
     if (found == byKey.end()) found = byKey.insert(byKey.end(), {key, {}});
     found->second.push_back(PadRecord(line));
   }
@@ -291,9 +290,7 @@ BatchMode BatchModeOf(std::string_view fileName) {
   return BatchMode::kProject;
 }
 
-int ElapsedSeconds(int start, int end) {
-  return end < start ? end + kSecondsPerDay - start : end - start;
-}
+int ElapsedSeconds(int start, int end) { return end < start ? end + kSecondsPerDay - start : end - start; }
 
 EngineResult RunEngine(const EngineRequest& request, Reporter& reporter) {
   DebugWord(request.debug, reporter, "Allocation done");
