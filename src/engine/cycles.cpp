@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "engine/engine_input.h"
+#include "engine/model_warnings.h"
 #include "engine/parameter_numbering.h"
 #include "engine/parameter_shifts.h"
 #include "engine/point_terms.h"
@@ -421,6 +422,7 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
     Progress(state, reporter, " Matrix calculations done");
     const SweepSnapshot swept = SweepSnapshot::Of(state);
     const ModelSnapshot before = ModelSnapshot::Of(state);
+    const int floored = NegativeWidthCount(state);
     state.list.Hold();
     const Try t = TryStep(state, cycle, marquardt.Value());
     if (t.failed) {
@@ -437,6 +439,9 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
     if (why.empty()) {
       const std::string point = NonFinitePoint(state);
       if (!point.empty()) why = "non-finite calculated value at " + point;
+    }
+    if (why.empty() && NegativeWidthCount(state) > floored) {
+      why = "U, V, W give a negative squared width at more reflections";
     }
     const double sum = SumOfSquares(state.summary);
     if (why.empty() && !NotHigher(sum, best.sum)) {

@@ -22,24 +22,33 @@ float SquaredWidth(const RefinableRow<kPhaseSlots>& v, int first, float t) {
   return v[first].value * t * t + v[first + 1].value * t + v[first + 2].value;
 }
 
+// The phase (from 1) and position of reflection r when it lies in the range, else phase 0.
+int PhaseInRange(const EngineState& state, int r, float& position) {
+  int p = 0, line = 0, h = 0, k = 0, l = 0;
+  ReflectionStore::UnpackIndex(state.reflections.PackedIndex(r), p, line, h, k, l);
+  position = state.reflections.Value(ReflectionStore::kPosition, r);
+  const bool in = p >= 1 && p <= static_cast<int>(state.phases.size()) &&
+                  position >= state.controls.start && position <= state.controls.stop;
+  return in ? p : 0;
+}
+
+bool NegativeSquaredWidth(const EngineState& state, int phase, float position) {
+  const auto& v = state.phases[phase - 1].values;
+  const float t = std::tan(position * kRadiansPerDegree / 2);
+  return SquaredWidth(v, kHalfwidthU, t) < 0 ||
+         (state.controls.job.profile == 6 && SquaredWidth(v, kRightHalfwidthU, t) < 0);
+}
+
 // The first reflection of each phase in the range at which a check fails, one line each.
 void CheckReflections(const EngineState& state, std::vector<std::string>& out) {
   const ReflectionStore& store = state.reflections;
   const int profile = state.controls.job.profile;
   std::vector<bool> widthTold(state.phases.size()), shapeTold(state.phases.size());
   for (int r = 0; r < store.Count(); ++r) {
-    int p = 0, line = 0, h = 0, k = 0, l = 0;
-    ReflectionStore::UnpackIndex(store.PackedIndex(r), p, line, h, k, l);
-    const float position = store.Value(ReflectionStore::kPosition, r);
-    if (p < 1 || p > static_cast<int>(state.phases.size()) || position < state.controls.start ||
-        position > state.controls.stop) {
-      continue;
-    }
-    const auto& v = state.phases[p - 1].values;
-    const float t = std::tan(position * kRadiansPerDegree / 2);
-    const bool negative = SquaredWidth(v, kHalfwidthU, t) < 0 ||
-                          (profile == 6 && SquaredWidth(v, kRightHalfwidthU, t) < 0);
-    if (negative && !widthTold[p - 1]) {
+    float position = 0;
+    const int p = PhaseInRange(state, r, position);
+    if (p == 0) continue;
+    if (NegativeSquaredWidth(state, p, position) && !widthTold[p - 1]) {
       widthTold[p - 1] = true;
       out.push_back(FormatLine(
           "('Phase',I3,': U, V, W give a negative squared width at 2-theta',F8.3)", p, position));
@@ -86,6 +95,16 @@ void CheckAtoms(const EngineState& state, std::vector<std::string>& out) {
 }
 
 }  // namespace
+
+int NegativeWidthCount(const EngineState& state) {
+  int count = 0;
+  for (int r = 0; r < state.reflections.Count(); ++r) {
+    float position = 0;
+    const int p = PhaseInRange(state, r, position);
+    if (p != 0 && NegativeSquaredWidth(state, p, position)) ++count;
+  }
+  return count;
+}
 
 std::vector<std::string> ModelWarnings(const EngineState& state) {
   std::vector<std::string> out;

@@ -19,6 +19,10 @@ inline constexpr float kCorrelationWarning = 0.95f;
 // they are passed over.
 std::vector<std::string> ModelWarnings(const EngineState& state);
 
+// Reflections of the range at which U, V, W (either side) give a negative squared width, so
+// that the width stands at its floor and no longer follows U, V and W.
+int NegativeWidthCount(const EngineState& state);
+
 // Pairs of refined parameters whose correlation exceeds kCorrelationWarning in magnitude, from
 // the covariance in state.work.normal after the cycles.
 std::vector<std::string> CorrelationWarnings(const EngineState& state);
