@@ -160,9 +160,14 @@ TEST_P(Convergence, ReachesTheTrueMinimumOrKeepsItsBestCycle) {
               s.cycles, s.rejectedSteps, s.chi2);
   if (!b.reachesMinimum) return;
   EXPECT_EQ(s.outcome, RunOutcome::kConverged) << b.name << "\n" << list;
-  // Near 1: the scale start reaches 1.00, the zero and profile starts 1.15 and
-  // 1.17 at the same values within their esds.
-  EXPECT_NEAR(s.chi2, 1.0f, 0.2f) << b.name;
+  // The points keep the reflections that reach them at the start model (peaks 0.3 degrees
+  // off, or held at the width floor), so CHI2 is taken from a run that starts where this one
+  // ended: near 1 at the true minimum.
+  fs::copy_file(par, dir_.Path() / "again.rec");
+  const EngineResult again =
+      RunEngine({(dir_.Path() / "again.rec").string(), false, nullptr}, reporter_);
+  ASSERT_EQ(again.runs.size(), 1u);
+  EXPECT_NEAR(again.runs[0].chi2, 1.0f, 0.1f) << b.name;
   auto within3 = [&](const char* what, Refined r, float truth) {
     EXPECT_GT(r.esd, 0) << b.name << " " << what;
     EXPECT_LT(std::abs(r.value - truth), 3 * r.esd)
@@ -178,15 +183,14 @@ TEST_P(Convergence, ReachesTheTrueMinimumOrKeepsItsBestCycle) {
 
 INSTANTIATE_TEST_SUITE_P(
     BadStarts, Convergence,
-    ::testing::Values(BadStart{"scale100xSmall", " 0.2000E-04", "  5.411000", "   0.01500",
-                               "   0.00000"},
-                      BadStart{"zeroOff", " 0.2000E-02", "  5.411000", "   0.01500", "   0.30000"},
-                      BadStart{"cell3PercentOff", " 0.2000E-02", "  5.573330", "   0.01500",
-                               "   0.00000", false, false},
-                      BadStart{"wNegative", " 0.2000E-02", "  5.411000", "  -0.01500", "   0.00000",
-                               false, false},
-                      BadStart{"allProfile", " 0.2000E-02", "  5.411000", "   0.10000",
-                               "   0.00000", true, true}),
+    ::testing::Values(
+        BadStart{"scale100xSmall", " 0.2000E-04", "  5.411000", "   0.01500", "   0.00000"},
+        BadStart{"zeroOff", " 0.2000E-02", "  5.411000", "   0.01500", "   0.30000"},
+        BadStart{"cell3PercentOff", " 0.2000E-02", "  5.573330", "   0.01500", "   0.00000", false,
+                 false},
+        BadStart{"wNegative", " 0.2000E-02", "  5.411000", "  -0.01500", "   0.00000", false, true},
+        BadStart{"allProfile", " 0.2000E-02", "  5.411000", "   0.10000", "   0.00000", true,
+                 true}),
     [](const ::testing::TestParamInfo<BadStart>& info) { return std::string(info.param.name); });
 
 }  // namespace
