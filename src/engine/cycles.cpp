@@ -26,9 +26,9 @@ void Progress(const EngineState& state, Reporter& reporter, std::string_view lin
   if (state.debug) reporter.LogLine(line);
 }
 
-bool TakesPart(const EngineState& state, int span) {
-  if (span == kMaxReflections) return false;  // excluded
-  return span != 0 || state.controls.job.background < 1;
+bool TakesPart(const EngineState& state, const SpanReflections& span) {
+  if (span.excluded) return false;
+  return span.first <= span.last || state.controls.job.background < 1;
 }
 
 // One pass over the points: reflections as the points reach them, the pattern and, in a
@@ -46,15 +46,12 @@ bool Sweep(EngineState& state) {
   int done = 0;  // reflections whose terms stand
   state.summary.points = 0;
   for (int i = 0; i < state.points.count; ++i) {
-    const int span = w.spans[i + 1];
+    const SpanReflections span = ReflectionsOfSpan(w.spans[i]);
     if (!TakesPart(state, span)) continue;
-    const int first = span % kMaxReflections, last = (span / kMaxReflections) % kMaxReflections;
     ++state.summary.points;
-    for (; done < last; ++done) ReflectionTerms(state, done);
+    for (; done <= span.last; ++done) ReflectionTerms(state, done);
     if (refinement && state.points.weight[i] <= 0) continue;
-    const int from = first == 0 ? 0 : first - 1;
-    const int to = first == 0 ? -1 : last - 1;
-    if (PointTerms(state, i, from, to) != PointStatus::kOk) return false;
+    if (PointTerms(state, i, span.first, span.last) != PointStatus::kOk) return false;
   }
   return true;
 }
@@ -160,7 +157,9 @@ std::string ShiftStatistics(EngineState& state) {
 void ComputeResiduals(EngineState& state) {
   const int count = state.points.count;
   std::unique_ptr<bool[]> takesPart(new bool[count]);
-  for (int i = 0; i < count; ++i) takesPart[i] = TakesPart(state, state.work.spans[i + 1]);
+  for (int i = 0; i < count; ++i) {
+    takesPart[i] = TakesPart(state, ReflectionsOfSpan(state.work.spans[i]));
+  }
   const CycleWork& w = state.work;
   ResidualPoints in;
   in.observed = std::span<const float>(state.points.observed.data(), count);
@@ -242,7 +241,7 @@ void PrepareCycles(EngineState& state) {
   const int points = state.points.count;
   if (IsRefinement(state.controls) && state.parameters > 0) {
     w.normal.assign(static_cast<size_t>(kMaxParameters) * kMaxParameters, 0.0f);
-    w.rows.assign(static_cast<size_t>(kMaxReflectionsAtPoint) * kMaxParameters, 0.0f);
+    w.rows.assign(static_cast<size_t>(kMaxSpanReflections) * kMaxParameters, 0.0f);
   }
   w.phaseAngle.assign(reflections, 0.0f);
   w.background.assign(points, 0.0f);
@@ -373,7 +372,7 @@ bool KeepBest(EngineState& state, const BestCycle& best, double lastSum) {
   s.keptCycle = best.cycle;
   s.largestRatio = best.largestRatio;
   s.largestName = best.largestName;
-  return WriteResultRecords(state.temporaryFile, state.resultRecords);
+  return WriteResultRecords(state.temporary.Name(), state.resultRecords);
 }
 
 CycleEnd EndOf(const EngineState& state, const CycleSummary& step, bool stopped, int cycle,
@@ -463,7 +462,7 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
     state.list.Release();
     reporter.LogLine(t.shiftLine);
     state.resultRecords = t.records;
-    if (!WriteResultRecords(state.temporaryFile, state.resultRecords)) {
+    if (!WriteResultRecords(state.temporary.Name(), state.resultRecords)) {
       state.list.Line(" Error writing the temporary parameter file");
       return CycleStatus::kFailed;
     }

@@ -297,7 +297,7 @@ OutputStatus WriteEngineOutput(EngineState& state, Reporter& reporter) {
   const bool summary = WriteSummary(state, reporter, range);
   if (summary && c.crystallinity != std::array<float, 4>{}) ListCrystallinity(state);
   if (IsRefinement(c) && state.parameters > 0) {
-    WriteResultRecords(state.temporaryFile, state.resultRecords);
+    WriteResultRecords(state.temporary.Name(), state.resultRecords);
   }
   return summary && fourierOpen ? OutputStatus::kOk : OutputStatus::kFailed;
 }

@@ -12,6 +12,7 @@
 #include "engine/reflection_store.h"
 #include "store/job_records.h"
 #include "util/limits.h"
+#include "util/temporary_file.h"
 
 namespace kaldena {
 
@@ -75,7 +76,8 @@ struct AtomType {
   std::array<float, 9> formFactor{};
   float fPrime = 0;  // X-rays only
   float fDoublePrime = 0;
-  float mass = 0;
+  int element = 0;  // Z of the element that the symbol names, 0 when it names none
+  float mass = 0;   // 0 when the element is not known
 };
 
 struct Atom {
@@ -184,8 +186,8 @@ enum class RowFactor : unsigned char {
 // Work arrays of the least-squares cycles, allocated by the cycle stage.
 struct CycleWork {
   std::vector<float> normal;  // kMaxParameters x kMaxParameters, row-major, upper part summed
-  std::vector<float> rows;    // ring of kMaxReflectionsAtPoint derivative rows, kMaxParameters each
-  std::array<float, kMaxReflectionsAtPoint> ringTan{};
+  std::vector<float> rows;  // ring of kMaxSpanReflections derivative rows, kMaxParameters each
+  std::array<float, kMaxSpanReflections> ringTan{};
   std::array<float, kMaxParameters> lastShifts{};
   // Row factor of each parameter for the reflections of each phase.
   std::vector<std::array<RowFactor, kMaxParameters>> factors;
@@ -239,11 +241,11 @@ struct EngineState {
   // Files of the run.
   std::string projectFile;
   std::string directory;  // with its separator, or empty
-  // Where names without a directory of their own lie; empty for the process's current one.
-  std::string workingDirectory;
   std::string baseName;
   RunFileNames files;
-  std::string temporaryFile;
+  // The run's own copy of the project, beside the output parameter file, that the result
+  // records are written into and that replaces the parameter file at the end of a refinement.
+  TemporaryFile temporary;
   int backgroundFileMarker = 0;  // 12 when a background file is named
   ListFile list;
 

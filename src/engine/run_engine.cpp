@@ -138,7 +138,6 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
   EngineState state;
   ZeroEngineState(state);
   state.debug = request.debug;
-  state.workingDirectory = request.workingDirectory;
   DebugWord(state.debug, reporter, "Zero done");
   const int started = ClockSeconds();
   RecordStore store(reporter);
@@ -159,11 +158,15 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
   const int elapsed = ElapsedSeconds(started, ClockSeconds());
   const std::string seconds = Format("(i7,' seconds elapsed'//)", elapsed);
   for (std::string_view line : SplitLines(seconds)) reporter.LogLine(line);
-  if (IsRefinement(state.controls) && !CopyOver(state.temporaryFile, state.files.parameters)) {
+  // The temporary file replaces the parameter file whole, or the run fails; otherwise it goes
+  // with the state.
+  if (IsRefinement(state.controls) && !state.temporary.RenameOver(state.files.parameters)) {
     reporter.LogLine("Error updating output parameter file");
+    summary.outcome = RunOutcome::kFailed;
+    summary.failedStage = "update";
+    summary.reason = "Error updating output parameter file";
+    return run;
   }
-  std::error_code ignored;
-  std::filesystem::remove(state.temporaryFile, ignored);
   run.ok = true;
   return run;
 }
@@ -206,9 +209,8 @@ bool NextName(std::istream& batch, std::string& name) {
   return true;
 }
 
-std::string DefaultParameterFile(const std::string& project, const std::string& directory) {
-  const std::string name = "%" + BaseNameOf(project) + ".par";
-  return directory.empty() ? name : ReplaceDirectory(directory, name);
+std::string DefaultParameterFile(const std::string& project) {
+  return ReplaceDirectory(DirectoryOf(project), "%" + BaseNameOf(project) + ".par");
 }
 
 void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
@@ -219,7 +221,7 @@ void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
   while (NextName(batch, name)) {
     // In an edits batch the record lines are read as names too; their copies fail.
     (void)mode;
-    if (CopyOver(DefaultParameterFile(name, request.workingDirectory), name)) {
+    if (CopyOver(DefaultParameterFile(name), name)) {
       reporter.LogLine(name + " updated");
       result.currentProject = name;
     } else {

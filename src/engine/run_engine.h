@@ -34,9 +34,6 @@ struct EngineRequest {
   // Set from another thread (a Stop button, Ctrl+C): the refinement ends after the current
   // cycle with its results written.
   const std::atomic<bool>* stop = nullptr;
-  // The directory that the default output names ("%" + base + extension) lie in: the caller's
-  // current directory, for a caller that keeps its own. Empty: the process's.
-  std::string workingDirectory;
   // Called on the engine's thread after every accepted cycle of a refinement.
   std::function<void(const CycleReport&)> onCycle;
 };

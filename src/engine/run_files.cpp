@@ -36,18 +36,13 @@ std::string RecordFileName(RecordStore& store, std::string_view key, const std::
   return name.empty() ? name : ReplaceDirectory(directory, name);
 }
 
-// An output file name: the record's, else "%" + base + extension. The default has no
-// directory: it names a file of the current directory, which the shell keeps at the
-// project's directory.
+// An output file name: the record's, else "%" + base + extension; beside the project unless
+// it has a directory of its own.
 std::string OutputFileName(RecordStore& store, std::string_view key, const EngineState& state,
                            std::string_view extension) {
-  std::string name = RecordFileName(store, key, state.directory);
-  if (name.empty()) {
-    name = "%" + state.baseName + std::string(extension);
-    // The current directory of the caller, when it names one; else the process's.
-    if (!state.workingDirectory.empty()) name = ReplaceDirectory(state.workingDirectory, name);
-  }
-  return name;
+  std::string name = FindText(store, key, "");
+  if (name.empty()) name = "%" + state.baseName + std::string(extension);
+  return ReplaceDirectory(state.directory, name);
 }
 
 void WriteLine(std::ostream& out, std::string_view line) { out << PadRecord(line) << '\n'; }
@@ -124,14 +119,18 @@ RunFilesStatus SetUpRunFiles(std::string_view projectName, EngineState& state, R
   state.files.weights = RecordFileName(store, "PWWG", state.directory);
   state.files.parameters = OutputFileName(store, "PWPR", state, ".par");
 
-  state.temporaryFile = state.directory + std::string(kTemporaryParameterFile);
-
   std::ifstream project(state.projectFile, std::ios::binary);
   if (!project.is_open()) {
     reporter.ShowMessage("Error", "Error opening preject file");
     return RunFilesStatus::kFailed;
   }
-  std::ofstream temporary(state.temporaryFile, std::ios::binary | std::ios::trunc);
+  // A file of the run's own, so that runs side by side in one folder never meet; it lies
+  // beside the output parameter file (the project's, unless PWPR names another directory),
+  // which it replaces by rename on the same file system.
+  state.temporary =
+      TemporaryFile::Create(DirectoryOf(state.files.parameters), "%" + state.baseName);
+  std::ofstream temporary;
+  if (state.temporary.Exists()) temporary.open(state.temporary.Name(), std::ios::binary);
   if (!temporary.is_open()) {
     reporter.ShowMessage("Error", "Error opening temporary file");
     return RunFilesStatus::kFailed;

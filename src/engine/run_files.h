@@ -1,5 +1,5 @@
 // The file stage of a run: the names of all files of the run, the project loaded into the
-// record store for the input stage, the temporary parameter file "%par.tmp" laid out for the
+// record store for the input stage, the run's temporary parameter file laid out for the
 // engine's result records, and the list file opened.
 #pragma once
 
@@ -26,15 +26,14 @@ inline constexpr std::array<std::string_view, 30> kResultKeys = {
     "XYZ ", "BISO", "BETA", "SDXY", "SDBI", "SDBE", "ZETT", "BKGR", "SDBK", "AXID",
     "STSZ", "SDTZ", "PHMW", "WAVE", "CRYS", "CIF1", "CIF2", "CNOM", "BGSC", "RVAL"};
 
-// The name of the temporary parameter file, in the project's directory.
-inline constexpr std::string_view kTemporaryParameterFile = "%par.tmp";
-
 // The project name with anything behind a three-character extension cut off ("a.rec1"
 // becomes "a.rec"); only a point behind the last directory separator starts an extension.
 std::string CutProjectName(std::string_view projectName);
 
 // Fills the file names of `state`, loads the project into `store` (where it stays for the
-// input stage), writes the temporary file and opens the list file in `state.list`.
+// input stage), writes the temporary file "%" + base + ".<process id>-<count>.tmp" beside the
+// output parameter file and opens the list file in `state.list`. Default output names lie
+// beside the project.
 // Failures: the log says "Error opening or reading " + name when the project does not load;
 // boxes "Error" tell of a project, temporary or list file that does not open; a project
 // without SCAL leaves "Missing scale factor for PRFPAR" in the list file.

@@ -34,7 +34,7 @@ struct PhaseSummary {
 struct RunSummary {
   std::string project;
   RunOutcome outcome = RunOutcome::kFailed;
-  std::string failedStage;  // "files", "input", "spans", "cycles", "output" or "update"
+  std::string failedStage;  // "files", "input", "reflections", "cycles", "output", "update"
   std::string reason;       // the reason line of the list file (or log) for a failure
   int cycles = 0;           // accepted cycles run
   int rejectedSteps = 0;    // tries the step control rejected, over the whole run

@@ -12,6 +12,7 @@
 #include "store/job_records.h"
 #include "store/record_store.h"
 #include "util/column_format.h"
+#include "util/file_names.h"
 #include "util/report.h"
 
 namespace kaldena {
@@ -66,8 +67,10 @@ int UpdateCommand(const std::vector<std::string>& args) {
   const RunFileNames names = ReadRunFileNames(store, args[0]);
   store.jCloseRec();
   std::error_code error;
-  std::filesystem::copy_file(names.parameters, args[0],
-                             std::filesystem::copy_options::overwrite_existing, error);
+  // The engine's output parameter file lies beside the project unless it names a directory.
+  const std::string parameters = ReplaceDirectory(DirectoryOf(args[0]), names.parameters);
+  std::filesystem::copy_file(parameters, args[0], std::filesystem::copy_options::overwrite_existing,
+                             error);
   reporter.LogLine(error ? "Error updating project" : "Project updated");
   return error ? 1 : 0;
 }

@@ -54,6 +54,13 @@ void SetStatusField(Toolkit& toolkit, int field, std::string_view text) {
   toolkit.WindowSelect(kMainWindow);
 }
 
+bool SelectColour(Toolkit& toolkit, int& colour) {
+  int red = colour & 0xff, green = (colour >> 8) & 0xff, blue = (colour >> 16) & 0xff;
+  if (!toolkit.WSelectColour(red, green, blue)) return false;
+  colour = ((blue & 0xff) << 16) | ((green & 0xff) << 8) | (red & 0xff);
+  return true;
+}
+
 int NextDialogButton(Toolkit& toolkit) {
   for (;;) {
     const Message message = toolkit.WMessageGet();

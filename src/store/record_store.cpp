@@ -1,16 +1,14 @@
 #include "store/record_store.h"
 
 #include <array>
-#include <filesystem>
 #include <fstream>
 
 #include "store/record_text.h"
 #include "util/limits.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -191,24 +189,12 @@ bool RecordStore::Rewrite(std::string_view fileName, WriteRows write) {
   const bool overflow = overflow_;
   jCloseRec();
 
-  // The new content goes to a file beside the old one and replaces it by rename, so that a
-  // failure half way never leaves a shortened project.
-  const std::string temporary = name + ".kaldena-new";
-  std::error_code error;
-  bool ok = !overflow && std::ofstream(name, std::ios::app).is_open();
-  if (ok) {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    ok = out.is_open();
-    if (ok) {
-      write(rows, [&out](std::string_view line) { out << PadRecord(line) << '\n'; });
-      out.close();
-      ok = !out.fail();
-    }
-    if (ok) fs::permissions(temporary, fs::status(name, error).permissions(), error);
-    if (ok) fs::rename(temporary, name, error);
-    ok = ok && !error;
-    if (!ok) fs::remove(temporary, error);
-  }
+  // The new content replaces the old file by rename, so that a failure half way never leaves
+  // a shortened project.
+  const bool ok = !overflow && std::ofstream(name, std::ios::app).is_open() &&
+                  WriteFileWhole(name, [&](std::ostream& out) {
+                    write(rows, [&out](std::string_view line) { out << PadRecord(line) << '\n'; });
+                  });
   if (!ok) reporter_.ShowMessage("Error updating", name);
   return ok;
 }

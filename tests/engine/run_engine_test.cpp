@@ -7,6 +7,10 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <latch>
+#include <map>
+#include <thread>
+#include <vector>
 
 #include "support/test_files.h"
 
@@ -37,6 +41,17 @@ class Workspace {
     text += "FRMT          5\nPWDT      pattern.xy\nCSCA           1.000\nCBKG           1.000\n";
     dir_.Write(name, text);
   }
+  // The refinement under another title and a start of its own, so that no two parameter
+  // files are alike.
+  void WriteRefinement(const std::string& name, int variant) {
+    WriteRefinement(name);
+    std::string text = ReadBytes(name);
+    text.replace(0, text.find('\n'), "TITL      variant " + std::to_string(variant));
+    const std::string scale = "SCAL       0.1000E-02";
+    text.replace(text.find(scale), scale.size(),
+                 "SCAL       0.1" + std::to_string(variant) + "00E-02");
+    dir_.Write(name, text);
+  }
   const fs::path& Path() const { return dir_.Path(); }
 
  private:
@@ -46,6 +61,12 @@ class Workspace {
 
 EngineResult RunFile(const std::string& name, RecordingReporter& reporter) {
   return RunEngine({name, false, nullptr}, reporter);
+}
+
+void ExpectNoTemporaryFiles(const fs::path& dir) {
+  for (const auto& entry : fs::directory_iterator(dir)) {
+    EXPECT_NE(entry.path().extension(), ".tmp") << "left behind: " << entry.path();
+  }
 }
 
 bool LogHas(const RecordingReporter& r, std::string_view text) {
@@ -76,7 +97,7 @@ TEST(RunEngine, ARefinementUpdatesItsParameterFileAndACalculationDoesNot) {
   w.WriteRefinement("refine.rec");
   ASSERT_EQ(RunFile("refine.rec", reporter).status, 0);
   EXPECT_TRUE(fs::exists("%refine.par"));
-  EXPECT_FALSE(fs::exists("%par.tmp"));
+  ExpectNoTemporaryFiles(w.Path());
   EXPECT_TRUE(LogHas(reporter, "seconds elapsed"));
   EXPECT_TRUE(LogHas(reporter, "BRAGG R-FACTOR"));
   EXPECT_TRUE(LogHas(reporter, "Max. shift/e.s.d."));
@@ -123,22 +144,65 @@ TEST(RunEngine, AParameterWithoutDerivativeStopsTheCycles) {
   EXPECT_FALSE(fs::exists("%zero.par"));
 }
 
-TEST(RunEngine, DefaultNamesLieInTheCallersDirectory) {
+TEST(RunEngine, DefaultNamesLieBesideTheProjectWhateverTheCurrentDirectory) {
   ScratchDir elsewhere;
-  {
-    Workspace w;
-    w.WriteRefinement("here.rec");
-    fs::copy_file("here.rec", elsewhere.Path() / "here.rec");
-    fs::copy_file("pattern.xy", elsewhere.Path() / "pattern.xy");
-  }
-  // The process stays where it is; the caller's own current directory holds the outputs.
+  Workspace w;
+  w.WriteRefinement("here.rec");
+  fs::copy_file("here.rec", elsewhere.Path() / "here.rec");
+  fs::copy_file("pattern.xy", elsewhere.Path() / "pattern.xy");
   RecordingReporter reporter;
-  EngineRequest request{(elsewhere.Path() / "here.rec").string(), false, nullptr};
-  request.workingDirectory = elsewhere.Path().string();
-  ASSERT_EQ(RunEngine(request, reporter).status, 0);
-  EXPECT_TRUE(fs::exists(elsewhere.Path() / "%here.out"));
-  EXPECT_TRUE(fs::exists(elsewhere.Path() / "%here.par"));
-  EXPECT_FALSE(fs::exists("%here.out"));
+  ASSERT_EQ(RunFile((elsewhere.Path() / "here.rec").string(), reporter).status, 0);
+  for (const char* made : {"%here.out", "%here.par", "%here.sum", "%here.fou"}) {
+    EXPECT_TRUE(fs::exists(elsewhere.Path() / made)) << made;
+    EXPECT_FALSE(fs::exists(made)) << made;
+  }
+}
+
+TEST(RunEngine, ProjectsOfOneFolderRefinedAtOnceGiveTheParameterFilesOfSerialRuns) {
+  Workspace w;
+  const std::vector<std::string> projects = {"a.rec", "b.rec", "c.rec", "d.rec"};
+  std::map<std::string, std::string> serial;
+  for (size_t i = 0; i < projects.size(); ++i) {
+    w.WriteRefinement(projects[i], static_cast<int>(i));
+    RecordingReporter reporter;
+    ASSERT_EQ(RunFile(projects[i], reporter).status, 0);
+    const std::string par = "%" + projects[i].substr(0, 1) + ".par";
+    serial[par] = ReadBytes(par);
+    fs::remove(par);
+  }
+  // A few rounds, each started at one moment on four threads.
+  for (int round = 0; round < 3; ++round) {
+    std::latch start(static_cast<std::ptrdiff_t>(projects.size()));
+    std::vector<int> status(projects.size(), -1);
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < projects.size(); ++i) {
+      threads.emplace_back([&, i] {
+        RecordingReporter reporter;
+        start.arrive_and_wait();
+        status[i] = RunFile(projects[i], reporter).status;
+      });
+    }
+    for (std::thread& t : threads) t.join();
+    for (size_t i = 0; i < projects.size(); ++i) EXPECT_EQ(status[i], 0) << projects[i];
+    for (const auto& [par, bytes] : serial) {
+      EXPECT_TRUE(ReadBytes(par) == bytes)
+          << par << " differs from its serial run, round " << round;
+      fs::remove(par);
+    }
+  }
+  ExpectNoTemporaryFiles(w.Path());
+}
+
+TEST(RunEngine, AParameterFileThatCannotBeReplacedFailsTheRun) {
+  Workspace w;
+  w.WriteRefinement("blocked.rec");
+  fs::create_directory("%blocked.par");
+  RecordingReporter reporter;
+  EXPECT_EQ(RunFile("blocked.rec", reporter).status, 1);
+  EXPECT_TRUE(LogHas(reporter, "Error updating output parameter file"));
+  EXPECT_TRUE(fs::is_directory("%blocked.par"));
+  EXPECT_NE(ReadBytes("%blocked.out").find("CYCLE   1"), std::string::npos);
+  ExpectNoTemporaryFiles(w.Path());
 }
 
 TEST(RunEngine, ACutOfZeroRunsEveryCycle) {
@@ -208,8 +272,9 @@ TEST(RunEngine, ChainStartsEachProjectFromItsPredecessor) {
   Workspace w;
   w.WriteRefinement("first.rec");
   // The first project's cycles change, the second one gets no record lines.
-  std::ofstream("chain.exp") << "first\nRELX          1 0.30 1.00 1.00 1.00 1.00  20.00000   0.02000  60.00000\n"
-                             << "\nsecond\n\n";
+  std::ofstream("chain.exp")
+      << "first\nRELX          1 0.30 1.00 1.00 1.00 1.00  20.00000   0.02000  60.00000\n"
+      << "\nsecond\n\n";
   RecordingReporter reporter;
   const EngineResult result = RunFile("chain.exp", reporter);
   ASSERT_EQ(result.status, 0) << ReadBytes("%first.out");

@@ -3,7 +3,9 @@
 // second run after ZeroEngineState.
 #include "engine/run_files.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <sstream>
@@ -32,7 +34,7 @@ std::string Row(std::string line) {
   return line + "\n";
 }
 
-// Runs the test's body in another current directory, where the default names land.
+// Runs the test's body in another current directory, which the default names do not follow.
 class CurrentDirectory {
  public:
   explicit CurrentDirectory(const fs::path& path) : old_(fs::current_path()) {
@@ -57,10 +59,14 @@ struct RunSetUp {
 
 const std::string kMinimal = Lines({"TITL      minimal", "SCAL      1.0", "END"});
 
-TEST(RunFiles, DefaultsNameFilesOfTheCurrentDirectoryAndTheTemporaryFileSitsByTheProject) {
+TEST(RunFiles, DefaultsAndTheTemporaryFileLieBesideTheProject) {
   ScratchDir dir;
   fs::create_directory(dir.Path() / "sub");
   const fs::path project = dir.Write("sub/quartz.rec", kMinimal);
+  const std::string sub = (dir.Path() / "sub").string() + "/";
+  // What a killed run of this project and one of another left behind.
+  dir.Write("sub/%quartz.99999-1.tmp", "");
+  dir.Write("sub/%other.99999-1.tmp", "");
   CurrentDirectory here(dir.Path());
 
   RunSetUp run(project);
@@ -72,13 +78,19 @@ TEST(RunFiles, DefaultsNameFilesOfTheCurrentDirectoryAndTheTemporaryFileSitsByTh
   EXPECT_EQ(run.state.files.background, "");
   EXPECT_EQ(run.state.files.weights, "");
   EXPECT_EQ(run.state.backgroundFileMarker, 0);
-  EXPECT_EQ(run.state.files.parameters, "%quartz.par");
-  EXPECT_EQ(run.state.files.list, "%quartz.out");
-  EXPECT_EQ(run.state.files.summary, "%quartz.sum");
-  EXPECT_EQ(run.state.files.fourier, "%quartz.fou");
-  EXPECT_EQ(run.state.temporaryFile, (dir.Path() / "sub" / "%par.tmp").string());
-  EXPECT_TRUE(fs::exists(dir.Path() / "sub" / "%par.tmp"));
-  EXPECT_TRUE(fs::exists(dir.Path() / "%quartz.out"));
+  EXPECT_EQ(run.state.files.parameters, sub + "%quartz.par");
+  EXPECT_EQ(run.state.files.list, sub + "%quartz.out");
+  EXPECT_EQ(run.state.files.summary, sub + "%quartz.sum");
+  EXPECT_EQ(run.state.files.fourier, sub + "%quartz.fou");
+  // The run's own temporary file: named from the project, the process and a count.
+  const std::string prefix = sub + "%quartz." + std::to_string(::getpid()) + "-";
+  EXPECT_EQ(run.state.temporary.Name().substr(0, prefix.size()), prefix);
+  EXPECT_TRUE(run.state.temporary.Name().ends_with(".tmp"));
+  EXPECT_TRUE(fs::exists(run.state.temporary.Name()));
+  EXPECT_FALSE(fs::exists(dir.Path() / "sub" / "%quartz.99999-1.tmp"));
+  EXPECT_TRUE(fs::exists(dir.Path() / "sub" / "%other.99999-1.tmp"));
+  EXPECT_TRUE(fs::exists(dir.Path() / "sub" / "%quartz.out"));
+  EXPECT_FALSE(fs::exists(dir.Path() / "%quartz.out"));
   EXPECT_TRUE(run.reporter.log.empty());
   EXPECT_TRUE(run.reporter.messages.empty());
 }
@@ -119,18 +131,26 @@ TEST(RunFiles, RecordNamesTakeTheProjectDirectoryUnlessTheyHaveOneOfTheirOwn) {
   EXPECT_EQ(ReadBytes(dir.Path() / "listing.out"), " heading\n");
 }
 
+TEST(RunFiles, TheTemporaryFileLiesBesideAParameterFileOfAnotherDirectory) {
+  ScratchDir dir;
+  fs::create_directory(dir.Path() / "out");
+  const std::string out = (dir.Path() / "out").string() + "/";
+  RunSetUp run(dir.Write("p.rec", Lines({"PWPR      " + out + "p.par", "SCAL      1.0"})));
+  ASSERT_EQ(run.status, RunFilesStatus::kOk);
+  EXPECT_EQ(run.state.temporary.Name().substr(0, out.size() + 3), out + "%p.");
+}
+
 TEST(RunFiles, BlankNameRecordsFallBackOnTheDefaults) {
   ScratchDir dir;
   const fs::path project = dir.Write(
       "blank.rec", Lines({"PWDT", "PWBG          ", "PWPR      ", "PWUT      ", "SCAL      1.0"}));
-  CurrentDirectory here(dir.Path());
   RunSetUp run(project);
   ASSERT_EQ(run.status, RunFilesStatus::kOk);
   EXPECT_EQ(run.state.files.data, "");
   EXPECT_EQ(run.state.files.background, "");
   EXPECT_EQ(run.state.backgroundFileMarker, 0);
-  EXPECT_EQ(run.state.files.parameters, "%blank.par");
-  EXPECT_EQ(run.state.files.list, "%blank.out");
+  EXPECT_EQ(run.state.files.parameters, (dir.Path() / "%blank.par").string());
+  EXPECT_EQ(run.state.files.list, (dir.Path() / "%blank.out").string());
 }
 
 TEST(RunFiles, ProjectNamesAreCutBehindAThreeCharacterExtension) {
@@ -145,7 +165,6 @@ TEST(RunFiles, ProjectNamesAreCutBehindAThreeCharacterExtension) {
 
   ScratchDir dir;
   const fs::path project = dir.Write("a.rec", kMinimal);
-  CurrentDirectory here(dir.Path());
   RunSetUp run(project.string() + "1");
   ASSERT_EQ(run.status, RunFilesStatus::kOk);
   EXPECT_EQ(run.state.projectFile, project.string());
@@ -156,11 +175,11 @@ TEST(RunFiles, BaseNameIsHeldToEightyCharacters) {
   ScratchDir dir;
   const std::string longName(90, 'b');
   const fs::path project = dir.Write(longName + ".rec", kMinimal);
-  CurrentDirectory here(dir.Path());
   RunSetUp run(project);
   ASSERT_EQ(run.status, RunFilesStatus::kOk);
   EXPECT_EQ(run.state.baseName, std::string(80, 'b'));
-  EXPECT_EQ(run.state.files.parameters, "%" + std::string(80, 'b') + ".par");
+  EXPECT_EQ(run.state.files.parameters,
+            (dir.Path() / ("%" + std::string(80, 'b') + ".par")).string());
 }
 
 TEST(RunFiles, TemporaryFileHoldsInputThenMarkerThenOldResults) {
@@ -181,10 +200,9 @@ TEST(RunFiles, TemporaryFileHoldsInputThenMarkerThenOldResults) {
                                                   "TITL      behind the end",
                                                   "CELL      behind the end",
                                               }));
-  CurrentDirectory here(dir.Path());
   RunSetUp run(project);
   ASSERT_EQ(run.status, RunFilesStatus::kOk);
-  EXPECT_EQ(ReadBytes(dir.Path() / "%par.tmp"),
+  EXPECT_EQ(ReadBytes(run.state.temporary.Name()),
             Row("TITL      sample") + Row("JOBT        0    4    1") +
                 Row("PHNA      first phase") + Row("ANOM      Fe") +
                 // the marker
@@ -235,7 +253,7 @@ TEST(RunFiles, FailuresToOpenAreReported) {
     EXPECT_EQ(run.status, RunFilesStatus::kFailed);
     EXPECT_EQ(run.reporter.log, std::vector<std::string>{"Error opening or reading " +
                                                          (dir.Path() / "absent.rec").string()});
-    EXPECT_FALSE(fs::exists(dir.Path() / "%par.tmp"));
+    EXPECT_FALSE(run.state.temporary.Exists());
   }
   {
     const fs::path empty = dir.Write("empty.rec", "");
@@ -245,9 +263,13 @@ TEST(RunFiles, FailuresToOpenAreReported) {
               std::vector<std::string>{"Error opening or reading " + empty.string()});
   }
   {
-    ScratchDir blocked;
-    fs::create_directory(blocked.Path() / "%par.tmp");
-    RunSetUp run(blocked.Write("p.rec", kMinimal));
+    // A project read through the directory of open files, where no file can be made (a
+    // read-only directory is none to the superuser).
+    const fs::path project = dir.Write("p.rec", kMinimal);
+    const int descriptor = ::open(project.c_str(), O_RDONLY);
+    ASSERT_GE(descriptor, 0);
+    RunSetUp run("/proc/self/fd/" + std::to_string(descriptor));
+    ::close(descriptor);
     EXPECT_EQ(run.status, RunFilesStatus::kFailed);
     const RecordingReporter::Message box{"Error", "Error opening temporary file"};
     EXPECT_EQ(run.reporter.messages, std::vector<RecordingReporter::Message>{box});
@@ -263,7 +285,6 @@ TEST(RunFiles, FailuresToOpenAreReported) {
 
 TEST(RunFiles, LoadedTableStaysForTheInputStage) {
   ScratchDir dir;
-  CurrentDirectory here(dir.Path());
   RunSetUp run(
       dir.Write("k.rec", Lines({"TITL      kept", "PWDT      d.gdf", "SCAL      1.0", "END"})));
   ASSERT_EQ(run.status, RunFilesStatus::kOk);
@@ -280,7 +301,6 @@ TEST(RunFiles, SecondRunAfterZeroingSeesNothingOfTheFirst) {
       dir.Write("first.rec", Lines({"PWDT      one.gdf", "PWBG      one.bg", "PWWG      one.w",
                                     "PWPR      one.par", "PWUT      one.out", "SCAL      1.0"}));
   const fs::path second = dir.Write("second.rec", Lines({"TITL      two", "SDSC      0.1"}));
-  CurrentDirectory here(dir.Path());
 
   RecordingReporter reporter;
   RecordStore store(reporter);
@@ -291,8 +311,10 @@ TEST(RunFiles, SecondRunAfterZeroingSeesNothingOfTheFirst) {
   state.list.Line(" first run");
   state.parameters = 7;
 
+  const std::string firstTemporary = state.temporary.Name();
   ZeroEngineState(state);
-  EXPECT_TRUE(state.debug);  // the caller's flag survives the reset
+  EXPECT_FALSE(fs::exists(firstTemporary));  // the reset removes the first run's file
+  EXPECT_TRUE(state.debug);                  // the caller's flag survives the reset
   EXPECT_FALSE(state.list.IsOpen());
   EXPECT_TRUE(state.list.Lines().empty());
   EXPECT_EQ(state.parameters, 0);
@@ -305,8 +327,8 @@ TEST(RunFiles, SecondRunAfterZeroingSeesNothingOfTheFirst) {
   EXPECT_EQ(state.files.background, "");
   EXPECT_EQ(state.files.weights, "");
   EXPECT_EQ(state.backgroundFileMarker, 0);
-  EXPECT_EQ(state.files.parameters, "%second.par");
-  EXPECT_EQ(state.files.list, "%second.out");
+  EXPECT_EQ(state.files.parameters, (dir.Path() / "%second.par").string());
+  EXPECT_EQ(state.files.list, (dir.Path() / "%second.out").string());
   EXPECT_EQ(state.list.Lines(), std::vector<std::string>{"Missing scale factor for PRFPAR"});
   state.list.Close();
   EXPECT_EQ(ReadBytes(dir.Path() / "one.out"), " first run\n");

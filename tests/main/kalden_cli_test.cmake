@@ -152,3 +152,67 @@ expect_run(0 help run)
 if(NOT out MATCHES "exit code 0 converged" OR NOT out MATCHES "3 diverging")
   message(FATAL_ERROR "help run does not document the exit codes:\n${out}")
 endif()
+
+# The default outputs of a project lie beside it whatever the current directory, where the
+# plot and the update look for them.
+set(beside ${CMAKE_CURRENT_BINARY_DIR}/kalden-beside)
+file(REMOVE_RECURSE ${beside})
+file(MAKE_DIRECTORY ${beside}/proj ${beside}/work)
+file(COPY ${DATA}/engine/input/pattern.xy DESTINATION ${beside}/proj)
+configure_file(${DATA}/engine/output/refinement.rec ${beside}/proj/x.rec COPYONLY)
+expect_run_in(${beside}/work 0 run ../proj/x.rec)
+foreach(made %x.out %x.par %x.sum %x.fou)
+  if(NOT EXISTS ${beside}/proj/${made})
+    message(FATAL_ERROR "kalden run ../proj/x.rec did not write ${made} beside the project")
+  endif()
+endforeach()
+file(GLOB stray ${beside}/work/*)
+if(stray)
+  message(FATAL_ERROR "kalden run ../proj/x.rec wrote into the current directory: ${stray}")
+endif()
+expect_run_in(${beside}/work 0 plot ../proj/x.rec --out x.png)
+expect_run_in(${beside}/work 0 update ../proj/x.rec)
+file(READ ${beside}/proj/x.rec updated)
+file(READ ${beside}/proj/%x.par refined)
+if(NOT updated STREQUAL refined)
+  message(FATAL_ERROR "kalden update ../proj/x.rec did not take the refined parameter file")
+endif()
+
+# Two processes on two projects of one folder at once: each parameter file is the one of a
+# serial run, byte for byte. Each project has a title of its own, so that a mix shows.
+set(together ${CMAKE_CURRENT_BINARY_DIR}/kalden-together)
+file(REMOVE_RECURSE ${together})
+file(MAKE_DIRECTORY ${together})
+file(COPY ${DATA}/engine/input/pattern.xy DESTINATION ${together})
+file(READ ${DATA}/engine/output/refinement.rec project)
+foreach(name one two)
+  string(REGEX REPLACE "^TITL[^\n]*" "TITL      project ${name}" titled "${project}")
+  file(WRITE ${together}/${name}.rec "${titled}")
+  expect_run_in(${together} 0 run ${name}.rec)
+  file(RENAME ${together}/%${name}.par ${together}/${name}.serial)
+endforeach()
+set(both [=[
+"$0" run one.rec >one.log 2>&1 & first=$!
+"$0" run two.rec >two.log 2>&1 & second=$!
+wait $first; one=$?
+wait $second; echo "$one $?"
+]=])
+foreach(round 1 2 3)
+  execute_process(COMMAND sh -c "${both}" ${KALDEN} WORKING_DIRECTORY ${together}
+                  OUTPUT_VARIABLE codes)
+  if(NOT codes STREQUAL "0 0\n")
+    message(FATAL_ERROR "two runs at once, round ${round}: exit codes ${codes}")
+  endif()
+  foreach(name one two)
+    execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${together}/%${name}.par
+                            ${together}/${name}.serial RESULT_VARIABLE differs)
+    if(differs)
+      message(FATAL_ERROR "two runs at once, round ${round}: %${name}.par is not the serial one")
+    endif()
+    file(REMOVE ${together}/%${name}.par)
+  endforeach()
+endforeach()
+file(GLOB left ${together}/*.tmp)
+if(left)
+  message(FATAL_ERROR "two runs at once left temporary files behind: ${left}")
+endif()

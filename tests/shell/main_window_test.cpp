@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "shell/startup.h"
+#include "support/checked_toolkit.h"
 #include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
 
 namespace kaldena {
 namespace {
@@ -27,7 +27,7 @@ std::string Numbers(std::initializer_list<double> values) {
 }
 
 // Keeps, in order, the calls that the scripted toolkit does not record itself.
-class RecordingToolkit : public ScriptedToolkit {
+class RecordingToolkit : public testing::CheckedToolkit {
  public:
   Lines calls;
 
@@ -203,8 +203,10 @@ TEST_F(StartUpTest, OnlyTheFirstOfTwoArgumentsIsOpenedAndRisesToTheTop) {
   }
   Start({program, Path("corundum.rec"), Path("second.rec")});
 
+  // Not refined yet: the pattern plot finds no summary.
   EXPECT_EQ(Log(), (Lines{"Started project: Corundum, Al2O3, Cu K-alpha",
-                          "Started project: Corundum, Al2O3, Cu K-alpha"}));
+                          "Started project: Corundum, Al2O3, Cu K-alpha",
+                          "Error opening " + Path("corundum.sum")}));
   EXPECT_EQ(state.projectFileName, Path("corundum.rec"));
   EXPECT_TRUE(fs::exists(dir.Path() / "corundum.par"));
   EXPECT_EQ(state.recentProjects[0], Path("corundum.rec"));

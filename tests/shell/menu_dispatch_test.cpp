@@ -14,8 +14,8 @@
 
 #include "shell/main_window.h"
 #include "shell/project_lifecycle.h"
+#include "support/checked_toolkit.h"
 #include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
 
 namespace kaldena {
 namespace {
@@ -26,7 +26,7 @@ using Command = std::vector<std::string>;
 
 // The scripted toolkit, plus the calls on text windows and message switches that it does not
 // keep, each with the window selected at the time.
-class MenuToolkit : public ScriptedToolkit {
+class MenuToolkit : public testing::CheckedToolkit {
  public:
   Lines calls;
   bool hardcopyCancelled = false;
@@ -227,7 +227,7 @@ std::map<int, Expectation> BuiltCommands() {
                              s.state.reloadPlotData = 0;
                            },
                            [](Session& s) {
-                             EXPECT_EQ(s.state.frameColour, 0x302010);
+                             EXPECT_EQ(s.state.plot.view.colours.frame, 0x302010);
                              EXPECT_EQ(s.state.reloadPlotData, 1);
                            }};
   e[menu::kPreferences] = {
@@ -354,7 +354,7 @@ TEST(MenuDispatch, RegisteredRoutinesAreCalledWithTheirPhaseOrSlot) {
                            "add 10 1", "delete 10 7", "pattern 10 7", "plotoptions 10 7",
                            "fourieroptions 10 7", "addatoms 10 7", "contours after enable 6 off @0",
                            "table+ 10 7", "tableoptions 10 7", "distanceoptions 10 7", "cif 10 7",
-                           "cifraw 10 7", "crystallinity 10 7", "redraw 2 0"}));
+                           "cifraw 10 7", "crystallinity 10 7", "redraw 2 1"}));
   EXPECT_EQ(s.toolkit.calls.back(), "enable 6 on @0");
   EXPECT_TRUE(s.NewLog().empty());
 }
@@ -496,7 +496,7 @@ TEST(MenuDispatch, WithoutAProjectNoCommandWritesFiles) {
   testing::ScratchDir cwd;
   const fs::path previous = fs::current_path();
   fs::current_path(cwd.Path());
-  ScriptedToolkit toolkit;
+  testing::CheckedToolkit toolkit;
   ShellState state;
   state.logWindow = toolkit.WindowOpenChild(256, 20, 600, 800, 250, "KALDENA Log");
   ShellRoutines routines;
