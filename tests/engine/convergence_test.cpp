@@ -32,9 +32,9 @@ struct BadStart {
   const char* w;
   const char* zero;
   bool allProfile = false;  // U, V and the first two shape values refined besides
-  // Whether the start lies in the basin of the true minimum. Outside it (peaks moved by more
-  // than their width, or widths held at the floor of a negative U, V, W square) the run must
-  // still end no worse than it started, finite and without giving up at once.
+  // Whether the start lies in the basin of the true minimum. Outside it (a cell 3 % off moves
+  // the peaks by many times their width) the run must still end no worse than it started,
+  // finite and without giving up at once.
   bool reachesMinimum = true;
 };
 
