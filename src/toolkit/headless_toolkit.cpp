@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "util/file_copy.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -35,15 +36,6 @@ int TextToInteger(const std::string& text) {
   } catch (...) {
     return 0;
   }
-}
-
-// Root may write anywhere; the desktop's user may not write a read-only file, and the tests
-// depend on that, so the permission bits are honoured here whoever runs the program.
-bool WriteProtected(const fs::path& file) {
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (error || !fs::exists(status)) return false;
-  return (status.permissions() & fs::perms::owner_write) == fs::perms::none;
 }
 
 }  // namespace
@@ -460,13 +452,10 @@ void ScriptedToolkit::IOsDirChange(std::string_view directory) {
 }
 
 void ScriptedToolkit::IOsCopyFile(std::string_view from, std::string_view to) {
-  const fs::path source{std::string(Trimmed(from))};
-  const fs::path target{std::string(Trimmed(to))};
-  std::error_code error;
-  bool ok = fs::is_regular_file(source, error) && !WriteProtected(target);
-  if (ok) ok = fs::copy_file(source, target, fs::copy_options::overwrite_existing, error);
+  const bool ok = CopyFileReplacing(from, to);
   if (!ok) lastError_ = kErrorOsCommand;
-  fileOperations_.push_back(FileOperation{"copy", source.string(), target.string(), ok});
+  fileOperations_.push_back(
+      FileOperation{"copy", std::string(Trimmed(from)), std::string(Trimmed(to)), ok});
 }
 
 void ScriptedToolkit::IOsDeleteFile(std::string_view name, int) {
