@@ -65,11 +65,7 @@ void ToggleDebug(ShellContext& shell, const Entry& entry) {
 
 // The frame colour is kept as the graphics take it: blue, green, red from high to low byte.
 void FrameColour(ShellContext& shell, const Entry&) {
-  int colour = shell.state.frameColour;
-  int red = colour & 0xff, green = (colour >> 8) & 0xff, blue = (colour >> 16) & 0xff;
-  if (shell.toolkit.WSelectColour(red, green, blue)) {
-    shell.state.frameColour = ((blue & 0xff) << 16) | ((green & 0xff) << 8) | (red & 0xff);
-  }
+  SelectColour(shell.toolkit, shell.state.plot.view.colours.frame);
   shell.state.reloadPlotData = 1;
   RedrawPlot(shell, 0);
 }

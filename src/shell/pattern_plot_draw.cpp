@@ -135,6 +135,8 @@ void DrawPatternPlot(PlotLibrary& plot, const PlotData& data, PlotView& view,
   plot.PlotInit();
   plot.canvas().Clear();
   plot.PlotOrigin(kFrameX, kFrameY);
+  zoom.originPixelX = plot.DeviceX(0);
+  zoom.originPixelY = plot.DeviceY(0);
   plot.PlotPen(1, 1, colour.frame);
   plot.PlotRect(0, -h / 3, w, h + h / 3, 0);
   plot.PlotAxis(0, -h / 3, "2|q", w, 0, xs);

@@ -64,6 +64,9 @@ class PlotLibrary {
   void PlotClip(float x, float y, float width, float height);
   void PlotUnclip();
 
+  // Device position of a point in plot units from the current origin.
+  double DeviceX(float x) const;
+  double DeviceY(float y) const;
   float OriginX() const { return originX_; }
   float OriginY() const { return originY_; }
   // Device units per plot unit.
@@ -71,9 +74,6 @@ class PlotLibrary {
   float TextHeight() const { return textHeight_; }
 
  private:
-  double DeviceX(float x) const;
-  double DeviceY(float y) const;
-
   Canvas& canvas_;
   float left_, top_;
   double k_ = 1.0, offsetX_ = 0.0, offsetY_ = 0.0;

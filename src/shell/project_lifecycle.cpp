@@ -75,18 +75,6 @@ bool AskCifProject(Toolkit& toolkit, std::string& cif, std::string& project) {
   return accepted;
 }
 
-// The first number of JOBT and the others, in record order; absent: the shell's defaults.
-void ReadJobValues(RecordStore& store, JobValues& job) {
-  job = JobValues{};
-  std::string data;
-  if (store.jFindRec("JOBT", data) != 1) return;
-  JobValues read;
-  auto& v = read.values;
-  if (Read(data, "(8I5)", v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7]) == ReadStatus::kOk) {
-    job = read;
-  }
-}
-
 // Steps 7 to 16 of a new project, once its file name stands in `state`.
 bool BuildNewProject(ShellState& state, Toolkit& toolkit, const NewPhase* cifPhase) {
   ShellReporter reporter(state, toolkit);
@@ -143,6 +131,17 @@ bool BuildNewProject(ShellState& state, Toolkit& toolkit, const NewPhase* cifPha
 }
 
 }  // namespace
+
+void ReadJobValues(RecordStore& store, JobValues& job) {
+  job = JobValues{};
+  std::string data;
+  if (store.jFindRec("JOBT", data) != 1) return;
+  JobValues read;
+  auto& v = read.values;
+  if (Read(data, "(8I5)", v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7]) == ReadStatus::kOk) {
+    job = read;
+  }
+}
 
 int FileTypeOf(std::string_view fileName, int previous) {
   const std::string_view name = Trimmed(fileName);
@@ -228,8 +227,8 @@ int LoadProject(ShellState& state, Toolkit& toolkit) {
   }
   state.addPhaseFile.clear();
   state.addPhaseSource = 2;
-  state.plotContent = state.job.Phases() > 1 ? 29 : 31;
-  state.phaseShown.fill(true);
+  state.plot.view.content = state.job.Phases() > 1 ? 29 : 31;
+  state.plot.view.phaseShown.fill(true);
   EnablePhaseMenus(state, toolkit);
   ShowPattern(state, toolkit);
   return 0;
@@ -292,8 +291,7 @@ bool UpdateProject(ShellState& state, Toolkit& toolkit) {
 
 bool BackupProject(ShellState& state, Toolkit& toolkit) {
   const std::string backup = InProjectDir(state, StrippedText(state.projectBaseName) + ".bck");
-  const bool ok =
-      CopyFileChecked(toolkit, InProjectDir(state, state.parameterFileName), backup);
+  const bool ok = CopyFileChecked(toolkit, InProjectDir(state, state.parameterFileName), backup);
   LogLine(state, toolkit, ok ? "Project backed up" : "Error backing up project");
   return ok;
 }

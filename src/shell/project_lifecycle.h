@@ -12,6 +12,8 @@
 
 namespace kaldena {
 
+class RecordStore;
+
 // Slot 0 asks by file selection; 1 to 4 take that recent project as it stands.
 void OpenProject(ShellState& state, Toolkit& toolkit, int slot);
 // Reads the project's file names, title and JOBT into `state` without touching any file:
@@ -44,5 +46,8 @@ int FileTypeOf(std::string_view fileName, int previous);
 // A name of the project's records as a path: in the project's directory unless it has a
 // directory of its own.
 std::string InProjectDir(const ShellState& state, std::string_view name);
+// The eight values of JOBT from the loaded store, in record order; the shell's defaults when
+// the record is absent or does not read.
+void ReadJobValues(RecordStore& store, JobValues& job);
 
 }  // namespace kaldena

@@ -40,8 +40,9 @@ std::string DateTimeText(Toolkit& toolkit, int width) {
   std::string text(static_cast<std::size_t>(std::max(width, 0)), ' ');
   if (width < 10) return text;
   const DateTime now = toolkit.IOsDateTime();
-  text.replace(0, 10, FormatLine("(i4.4,'-',i2.2,'-',i2.2)", now.year % 10000, now.month % 100,
-                                 now.day % 100));
+  text.replace(
+      0, 10,
+      FormatLine("(i4.4,'-',i2.2,'-',i2.2)", now.year % 10000, now.month % 100, now.day % 100));
   if (width >= 18) {
     text.replace(10, 8, FormatLine("(3x,i2.2,':',i2.2)", now.hour % 100, now.minute % 100));
   }
@@ -52,6 +53,13 @@ void SetStatusField(Toolkit& toolkit, int field, std::string_view text) {
   toolkit.WindowSelect(kMainWindow);
   toolkit.WindowStatusBar(field, Trimmed(text));
   toolkit.WindowSelect(kMainWindow);
+}
+
+bool SelectColour(Toolkit& toolkit, int& colour) {
+  int red = colour & 0xff, green = (colour >> 8) & 0xff, blue = (colour >> 16) & 0xff;
+  if (!toolkit.WSelectColour(red, green, blue)) return false;
+  colour = ((blue & 0xff) << 16) | ((green & 0xff) << 8) | (red & 0xff);
+  return true;
 }
 
 int NextDialogButton(Toolkit& toolkit) {

@@ -25,6 +25,9 @@ bool DeleteFileChecked(Toolkit& toolkit, std::string_view name);
 // and "14:05" follow.
 std::string DateTimeText(Toolkit& toolkit, int width);
 void SetStatusField(Toolkit& toolkit, int field, std::string_view text);
+// The toolkit's colour selection from `colour` (24 bits, red in the low byte); the choice
+// replaces it. False when nothing was chosen.
+bool SelectColour(Toolkit& toolkit, int& colour);
 // The button pushed next in the shown dialog, or 0 when its window is closed; other messages
 // pass unseen.
 int NextDialogButton(Toolkit& toolkit);

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "shell/plot_state.h"
+
 namespace kaldena {
 
 class Toolkit;
@@ -108,12 +110,10 @@ struct ShellState {
   std::vector<int> childWindows;
   int childWindowCount = 0;  // may fall to -1 when the log window is closed
 
-  // Plot.
-  int frameColour = 0;
+  // Plot: its data, options (the frame colour among them), zoom and Fourier section.
   int plotMode = 0;  // 0 none, 1 pattern, 2 halfwidths, 3 Fourier map
   int reloadPlotData = 1;
-  int plotContent = 31;
-  std::array<bool, 10> phaseShown{true, true, true, true, true, true, true, true, true, true};
+  PlotState plot;
   int hardcopyInProgress = 0;
   int epsInProgress = 0;
 

@@ -51,7 +51,7 @@ void StartUp(ShellContext& shell) {
 
   InstallToolHooks(state);
   state.debugMode = 0;
-  state.frameColour = 0;
+  state.plot.view.colours.frame = 0;
   state.reloadPlotData = 1;
   // The recent list is written back only once a project was taken in this session.
   state.recentWritingAllowed = false;

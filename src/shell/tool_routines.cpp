@@ -3,7 +3,10 @@
 #include "shell/cif_phase_import.h"
 #include "shell/crystallinity_dialog.h"
 #include "shell/main_window.h"
+#include "shell/option_dialogs.h"
 #include "shell/peak_dialog.h"
+#include "shell/plot_dialogs.h"
+#include "shell/plot_window.h"
 #include "shell/project_lifecycle.h"
 #include "shell/shell_services.h"
 #include "tools/cif_raw_report.h"
@@ -34,6 +37,15 @@ void WriteRawReportOfProject(ShellState& state, Toolkit& toolkit) {
 
 ShellRoutines ToolRoutines() {
   ShellRoutines r;
+  r.redrawPlot = Redraw;
+  r.plotKey = PlotKey;
+  r.plotMouse = PlotMouse;
+  r.fullPattern = ShowFullPattern;
+  r.plotOptions = PlotOptionsDialog;
+  r.plotFourierMaps = FourierPlotDialog;
+  r.distanceOptions = DistanceOptionsDialog;
+  r.tableOptions = TableOptionsDialog;
+  r.fourierOptions = FourierOptionsDialog;
   r.cif = CifOfProject;
   r.cifRawReport = WriteRawReportOfProject;
   r.crystallinity = CrystallinityDialog;
@@ -48,6 +60,7 @@ ShellRoutines ToolRoutines() {
 
 void InstallToolHooks(ShellState& state) {
   if (!state.hooks.importCif) state.hooks.importCif = ImportCifPhase;
+  if (!state.hooks.showPattern) state.hooks.showPattern = ShowFullPattern;
 }
 
 }  // namespace kaldena

@@ -6,11 +6,12 @@
 
 namespace kaldena {
 
-// CIF, CIF raw data report, the crystallinity dialog, the peak grid of "Add atoms" and the
-// structure viewer's CIF; the slots of the plots and edit dialogs stay empty.
+// The plots on screen, CIF, CIF raw data report, the crystallinity dialog, the peak grid of
+// "Add atoms" and the structure viewer's CIF; the slots of the edit dialogs stay empty.
 ShellRoutines ToolRoutines();
 
-// The hooks of the lifecycle that the tools serve: the CIF import of a new project.
+// The hooks of the lifecycle that the tools serve: the CIF import of a new project and the
+// pattern shown after a load or a run.
 void InstallToolHooks(ShellState& state);
 
 }  // namespace kaldena

@@ -203,8 +203,10 @@ TEST_F(StartUpTest, OnlyTheFirstOfTwoArgumentsIsOpenedAndRisesToTheTop) {
   }
   Start({program, Path("corundum.rec"), Path("second.rec")});
 
+  // Not refined yet: the pattern plot finds no summary.
   EXPECT_EQ(Log(), (Lines{"Started project: Corundum, Al2O3, Cu K-alpha",
-                          "Started project: Corundum, Al2O3, Cu K-alpha"}));
+                          "Started project: Corundum, Al2O3, Cu K-alpha",
+                          "Error opening " + Path("corundum.sum")}));
   EXPECT_EQ(state.projectFileName, Path("corundum.rec"));
   EXPECT_TRUE(fs::exists(dir.Path() / "corundum.par"));
   EXPECT_EQ(state.recentProjects[0], Path("corundum.rec"));

@@ -227,7 +227,7 @@ std::map<int, Expectation> BuiltCommands() {
                              s.state.reloadPlotData = 0;
                            },
                            [](Session& s) {
-                             EXPECT_EQ(s.state.frameColour, 0x302010);
+                             EXPECT_EQ(s.state.plot.view.colours.frame, 0x302010);
                              EXPECT_EQ(s.state.reloadPlotData, 1);
                            }};
   e[menu::kPreferences] = {

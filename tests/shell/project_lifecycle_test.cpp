@@ -47,7 +47,7 @@ TEST_F(LifecycleTest, LoadReadsTheNamesAndCopiesTheProjectInTwoPasses) {
   EXPECT_EQ(state.rawDataFileName, "data.xy");
   EXPECT_EQ(state.job.values[0], 2);
   EXPECT_EQ(state.job.Phases(), 3);
-  EXPECT_EQ(state.plotContent, 29);
+  EXPECT_EQ(state.plot.view.content, 29);
   EXPECT_EQ(state.fileType, 0);
   EXPECT_EQ(state.recentProjects[0], Path("sample.rec"));
   // Project menus on; phase menus up to phase 3; "More phases" needs four.
@@ -85,7 +85,7 @@ TEST_F(LifecycleTest, WithoutPwprTheWorkingCopyIsNamedFromTheBaseUpToTheFirstPoi
   EXPECT_FALSE(state.rawDataDefined);
   // JOBT absent: the shell's own defaults, one phase.
   EXPECT_EQ(state.job.values, (std::array<int, 8>{0, 1, 1, -1, 0, 1, 0, 1}));
-  EXPECT_EQ(state.plotContent, 31);
+  EXPECT_EQ(state.plot.view.content, 31);
   EXPECT_EQ(toolkit.MenuState(menu::kEditPhase2, kMenuItemEnabled), 0);
 }
 

@@ -7,44 +7,14 @@
 #include <filesystem>
 
 #include "shell/crystallinity_dialog.h"
+#include "shell/menu_session.h"
 #include "shell/peak_dialog.h"
-#include "shell/project_lifecycle.h"
-#include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
 
 namespace kaldena {
 namespace {
 
 namespace fs = std::filesystem;
-
-// The corundum example with its file records, opened and refined through the menus.
-struct Session {
-  Session() {
-    const fs::path example = testing::TestData("../../examples/corundum");
-    dir.Write("corundum.rec", testing::ReadBytes(example / "corundum.rec") +
-                                  "PWPR      corundum.par\nPWUT      corundum.out\n"
-                                  "PWSM      corundum.sum\nPWFO      corundum.fou\n");
-    fs::copy_file(example / "corundum.xy", dir.Path() / "corundum.xy");
-    toolkit.WindowOpen(39, 20, 20, 800, 500, 30001, "KALDENA");
-    state.logWindow = toolkit.WindowOpenChild(256, 20, 600, 800, 250, "KALDENA Log");
-    state.preferences.editorPath = "editor";
-    state.recentProjects[0] = (dir.Path() / "corundum.rec").string();
-    InstallToolHooks(state);
-    OpenProject(state, toolkit, 1);
-    DispatchMenu(shell, menu::kRunProject);
-  }
-  std::string Read(const std::string& name) const { return testing::ReadBytes(dir.Path() / name); }
-  bool Logged(std::string_view line) const {
-    const auto lines = toolkit.WindowText(state.logWindow);
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
-  }
-
-  testing::ScratchDir dir;
-  ScriptedToolkit toolkit;
-  ShellState state;
-  ShellRoutines routines = ToolRoutines();
-  ShellContext shell{state, toolkit, routines};
-};
+using testing::Session;
 
 TEST(ToolRoutines, CrystallinityDialogKeepsItsLimitsAndResults) {
   Session s;
