@@ -5,11 +5,13 @@
 #include <QColorDialog>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPrinter>
 #include <QProcess>
 #include <QScreen>
+#include <QStandardPaths>
 #include <chrono>
 #include <ctime>
 #include <filesystem>
@@ -257,14 +259,18 @@ void QtToolkit::WMessageBox(int buttons, int icon, int, std::string_view text,
 
 // --- Operating system
 
+// The program is looked up first (a bare name on the search path), since a detached start
+// reports only that the process was made, not that the program ran.
 void QtToolkit::IOsCommand(const std::vector<std::string>& arguments, int) {
-  if (arguments.empty() || arguments.front().empty()) {
+  const QString named = arguments.empty() ? QString() : ToQt(Trimmed(arguments.front()));
+  const QString program = named.contains('/') ? named : QStandardPaths::findExecutable(named);
+  if (program.isEmpty() || !QFileInfo(program).isExecutable()) {
     lastError_ = kErrorOsCommand;
     return;
   }
   QStringList rest;
   for (std::size_t i = 1; i < arguments.size(); ++i) rest << ToQt(arguments[i]);
-  if (!QProcess::startDetached(ToQt(arguments.front()), rest)) lastError_ = kErrorOsCommand;
+  if (!QProcess::startDetached(program, rest)) lastError_ = kErrorOsCommand;
 }
 
 void QtToolkit::IOsDirChange(std::string_view directory) {
