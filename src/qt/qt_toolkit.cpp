@@ -1,22 +1,28 @@
 // Windows, the message queue, menus, selections, boxes and the operating system.
 #include "qt/qt_toolkit.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QColorDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
+#include <QToolBar>
 #include <QMessageBox>
 #include <QPrinter>
 #include <QProcess>
 #include <QScreen>
 #include <QStandardPaths>
+#include <QThread>
+#include <atomic>
 #include <chrono>
 #include <ctime>
 #include <filesystem>
+#include <thread>
 
 #include "qt/qt_dialogs.h"
+#include "shell/shell_state.h"
 #include "toolkit/cairo_canvas.h"
 #include "util/file_copy.h"
 #include "util/text.h"
@@ -68,6 +74,12 @@ void QtToolkit::WindowOpen(int, int x, int y, int width, int height, int,
   auto window = std::make_unique<ToolkitWindow>(kMainWindow, [this](const Message& m) { Post(m); });
   window->setWindowTitle(ToQt(title));
   menu_ = std::make_unique<MenuBar>(*window->menuBar(), [this](const Message& m) { Post(m); });
+  // Stop on a toolbar as well: the same action, grey and on with the menu item.
+  if (QAction* stop = menu_->Action(menu::kStopRun)) {
+    QToolBar* tools = window->addToolBar("Run");
+    tools->setMovable(false);
+    tools->addAction(stop);
+  }
   window->move(x, y);
   window->resize(width, height);
   window->show();
@@ -195,6 +207,33 @@ std::string QtToolkit::Argument(int number) {
   if (number == 0) return FromQt(QCoreApplication::applicationFilePath());
   if (number < 0 || number >= static_cast<int>(arguments_.size())) return {};
   return arguments_[static_cast<std::size_t>(number)];
+}
+
+// --- Jobs
+
+void QtToolkit::RunJob(const std::function<void()>& job,
+                       const std::function<void(const Message&)>& onMessage) {
+  std::atomic<bool> done{false};
+  std::thread worker([&] {
+    job();
+    done = true;
+    // Wakes the loop, which may be waiting for events.
+    QMetaObject::invokeMethod(qApp, [] {}, Qt::QueuedConnection);
+  });
+  RunUntil([&] {
+    while (!messages_.empty()) {
+      const Message message = messages_.front();
+      messages_.pop_front();
+      onMessage(message);
+    }
+    return done.load();
+  });
+  worker.join();
+}
+
+void QtToolkit::OnLoopThread(const std::function<void()>& call) {
+  if (QThread::currentThread() == qApp->thread()) return call();
+  QMetaObject::invokeMethod(qApp, call, Qt::BlockingQueuedConnection);
 }
 
 // --- Menus

@@ -142,6 +142,10 @@ class QtToolkit : public Toolkit {
   void WPrintEditOptions() override;
   void WEditPrint(std::string_view documentName) override;
 
+  void RunJob(const std::function<void()>& job,
+              const std::function<void(const Message&)>& onMessage) override;
+  void OnLoopThread(const std::function<void()>& call) override;
+
   void IOsCommand(const std::vector<std::string>& arguments, int flags) override;
   void IOsDirChange(std::string_view directory) override;
   void IOsCopyFile(std::string_view from, std::string_view to) override;

@@ -30,6 +30,7 @@ int KeyCodeOf(int qtKey, const QString& text) {
     case Qt::Key_PageDown: return kKeyPageDown;
     case Qt::Key_Home: return kKeyHome;
     case Qt::Key_End: return kKeyEnd;
+    case Qt::Key_Escape: return kKeyEscape;
     default: break;
   }
   if (text.size() == 1 && text[0].unicode() >= 32 && text[0].unicode() < 127) {

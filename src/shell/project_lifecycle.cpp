@@ -6,6 +6,7 @@
 
 #include "engine/run_engine.h"
 #include "shell/default_project.h"
+#include "shell/engine_job.h"
 #include "shell/preferences.h"
 #include "shell/shell_services.h"
 #include "store/record_catalogue.h"
@@ -333,13 +334,12 @@ void SaveProjectAs(ShellState& state, Toolkit& toolkit) {
 }
 
 int RunProject(ShellState& state, Toolkit& toolkit) {
-  ShellReporter reporter(state, toolkit);
   EngineRequest request;
   request.fileName = StrippedText(state.projectFileName);
   request.debug = state.debugMode != 0;
   // The load made the project's directory the current one, where the defaults lie.
   request.workingDirectory = state.projectDir;
-  const EngineResult result = RunEngine(request, reporter);
+  const EngineResult result = RunEngineJob(state, toolkit, request);
   if (result.status == 0) {
     if (state.plotMode > 2) state.plotMode = 1;
     state.reloadPlotData = 1;
