@@ -19,12 +19,18 @@ struct Popup {
 
 // The popups of menu resource 30001, by their path in the menu table.
 constexpr std::array kPopups = {
-    Popup{40001, "File"},         Popup{40017, "File, New project"},
-    Popup{40003, "File, Save graphics"},  Popup{40010, "File, Log text size"},
-    Popup{40012, "Settings"},     Popup{40014, "Edit project"},
-    Popup{40036, "Edit project, More phases"}, Popup{40067, "Edit project, Delete phase"},
-    Popup{40040, "Run"},          Popup{40007, "Plot"},
-    Popup{40048, "Fourier"},      Popup{40053, "Output"},
+    Popup{40001, "File"},
+    Popup{40017, "File, New project"},
+    Popup{40003, "File, Save graphics"},
+    Popup{40010, "File, Log text size"},
+    Popup{40012, "Settings"},
+    Popup{40014, "Edit project"},
+    Popup{40036, "Edit project, More phases"},
+    Popup{40067, "Edit project, Delete phase"},
+    Popup{40040, "Run"},
+    Popup{40007, "Plot"},
+    Popup{40048, "Fourier"},
+    Popup{40053, "Output"},
 };
 
 // Groups of the File menu begin at these items.
@@ -53,9 +59,8 @@ MenuBar::MenuBar(QMenuBar& bar, MessageSink sink) : sink_(std::move(sink)) {
     QMenu* popup = Popup(bar, entry.menu);
     if (StartsGroup(entry.id)) popup->addSeparator();
     const bool recent = entry.id >= menu::kRecentFirst && entry.id < menu::kRecentFirst + 4;
-    QAction* action = popup->addAction(recent ? QString("empty")
-                                              : QString::fromUtf8(entry.caption.data(),
-                                                                  entry.caption.size()));
+    QAction* action = popup->addAction(
+        recent ? QString("empty") : QString::fromUtf8(entry.caption.data(), entry.caption.size()));
     if (!entry.key.empty()) {
       action->setShortcut(QKeySequence(QString::fromUtf8(entry.key.data(), entry.key.size())));
     }
@@ -72,8 +77,9 @@ QMenu* MenuBar::Popup(QMenuBar& bar, std::string_view path) {
   const std::size_t comma = path.rfind(", ");
   const std::string_view title = comma == std::string_view::npos ? path : path.substr(comma + 2);
   const QString caption = QString::fromUtf8(title.data(), title.size());
-  QMenu* menu = comma == std::string_view::npos ? bar.addMenu(caption)
-                                                : Popup(bar, path.substr(0, comma))->addMenu(caption);
+  QMenu* menu = comma == std::string_view::npos
+                    ? bar.addMenu(caption)
+                    : Popup(bar, path.substr(0, comma))->addMenu(caption);
   popups_.emplace(std::string(path), menu);
   if (const int id = PopupId(path)) actions_[id] = menu->menuAction();
   return menu;

@@ -66,11 +66,21 @@ void PainterCanvas::SetLineStyle(LineStyle style, double width) {
   pen_.setWidthF(std::max(width, 0.5));
   // Dash lengths in line widths, as the file canvas has them.
   switch (style) {
-    case LineStyle::kSolid: pen_.setStyle(Qt::SolidLine); break;
-    case LineStyle::kDotted: pen_.setDashPattern({1.5, 3}); break;
-    case LineStyle::kDashed: pen_.setDashPattern({8, 3}); break;
-    case LineStyle::kDotDash: pen_.setDashPattern({8, 3, 1.5, 3}); break;
-    case LineStyle::kDotDotDash: pen_.setDashPattern({8, 3, 1.5, 3, 1.5, 3}); break;
+    case LineStyle::kSolid:
+      pen_.setStyle(Qt::SolidLine);
+      break;
+    case LineStyle::kDotted:
+      pen_.setDashPattern({1.5, 3});
+      break;
+    case LineStyle::kDashed:
+      pen_.setDashPattern({8, 3});
+      break;
+    case LineStyle::kDotDash:
+      pen_.setDashPattern({8, 3, 1.5, 3});
+      break;
+    case LineStyle::kDotDotDash:
+      pen_.setDashPattern({8, 3, 1.5, 3, 1.5, 3});
+      break;
   }
   Painter().setPen(pen_);
 }

@@ -8,13 +8,13 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
-#include <QToolBar>
 #include <QMessageBox>
 #include <QPrinter>
 #include <QProcess>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QThread>
+#include <QToolBar>
 #include <atomic>
 #include <chrono>
 #include <ctime>
@@ -52,10 +52,9 @@ bool SavesFile(int flags) { return (flags & 3) != 0; }
 
 QtToolkit::QtToolkit(std::vector<std::string> arguments)
     : arguments_(std::move(arguments)),
-      dialogs_(std::make_unique<QtDialogs>([this](const Message& m) { Post(m); },
-                                           [this](const std::function<bool()>& done) {
-                                             RunUntil(done);
-                                           })) {}
+      dialogs_(std::make_unique<QtDialogs>(
+          [this](const Message& m) { Post(m); },
+          [this](const std::function<bool()>& done) { RunUntil(done); })) {}
 
 QtToolkit::~QtToolkit() = default;
 
@@ -69,8 +68,7 @@ int QtToolkit::ScreenInfo(int what) {
   return what == 2 ? size.height() : size.width();
 }
 
-void QtToolkit::WindowOpen(int, int x, int y, int width, int height, int,
-                           std::string_view title) {
+void QtToolkit::WindowOpen(int, int x, int y, int width, int height, int, std::string_view title) {
   auto window = std::make_unique<ToolkitWindow>(kMainWindow, [this](const Message& m) { Post(m); });
   window->setWindowTitle(ToQt(title));
   menu_ = std::make_unique<MenuBar>(*window->menuBar(), [this](const Message& m) { Post(m); });
@@ -87,8 +85,7 @@ void QtToolkit::WindowOpen(int, int x, int y, int width, int height, int,
   selected_ = kMainWindow;
 }
 
-int QtToolkit::WindowOpenChild(int, int x, int y, int width, int height,
-                               std::string_view title) {
+int QtToolkit::WindowOpenChild(int, int x, int y, int width, int height, std::string_view title) {
   const int id = nextWindow_++;
   auto window = std::make_unique<ToolkitWindow>(id, [this](const Message& m) { Post(m); });
   window->setWindowTitle(ToQt(title));
@@ -146,8 +143,8 @@ void QtToolkit::WMessageEnable(int type, bool enable) {
 }
 
 void QtToolkit::Post(const Message& message) {
-  const bool switchable = message.type == kMouseButtonUp || message.type == kMouseMove ||
-                          message.type == kFieldChanged;
+  const bool switchable =
+      message.type == kMouseButtonUp || message.type == kMouseMove || message.type == kFieldChanged;
   if (switchable && !enabled_.contains(message.type)) return;
   // Only the latest position of a run of moves matters.
   if (message.type == kMouseMove && !messages_.empty() && messages_.back().type == kMouseMove) {
@@ -218,7 +215,8 @@ void QtToolkit::RunJob(const std::function<void()>& job,
     job();
     done = true;
     // Wakes the loop, which may be waiting for events.
-    QMetaObject::invokeMethod(qApp, [] {}, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        qApp, [] {}, Qt::QueuedConnection);
   });
   RunUntil([&] {
     while (!messages_.empty()) {
@@ -255,9 +253,8 @@ void QtToolkit::WSelectFile(std::string_view filter, int flags, std::string& nam
   const QString start = offered.contains('*') ? QDir::currentPath() : offered;
   QWidget* parent = Window(kMainWindow);
   const QString chosen =
-      SavesFile(flags)
-          ? QFileDialog::getSaveFileName(parent, ToQt(title), start, FilterOf(filter))
-          : QFileDialog::getOpenFileName(parent, ToQt(title), start, FilterOf(filter));
+      SavesFile(flags) ? QFileDialog::getSaveFileName(parent, ToQt(title), start, FilterOf(filter))
+                       : QFileDialog::getOpenFileName(parent, ToQt(title), start, FilterOf(filter));
   if (!chosen.isEmpty()) {
     name = FromQt(QDir::toNativeSeparators(chosen));
   } else if (!name.starts_with('*')) {
@@ -266,8 +263,8 @@ void QtToolkit::WSelectFile(std::string_view filter, int flags, std::string& nam
 }
 
 void QtToolkit::WSelectDir(int, std::string& directory, std::string_view title) {
-  const QString chosen = QFileDialog::getExistingDirectory(Window(kMainWindow), ToQt(title),
-                                                           ToQt(Trimmed(directory)));
+  const QString chosen =
+      QFileDialog::getExistingDirectory(Window(kMainWindow), ToQt(title), ToQt(Trimmed(directory)));
   directory = chosen.isEmpty() ? std::string() : FromQt(QDir::toNativeSeparators(chosen));
 }
 

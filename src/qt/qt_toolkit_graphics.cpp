@@ -175,9 +175,7 @@ void QtToolkit::WCursorShape(int shape) {
 
 // --- Hardcopy and images
 
-void QtToolkit::IGrPlotMode(std::string_view mode) {
-  hardcopy_.mode = Trimmed(mode) == "H";
-}
+void QtToolkit::IGrPlotMode(std::string_view mode) { hardcopy_.mode = Trimmed(mode) == "H"; }
 
 void QtToolkit::IGrHardcopySelect(int, int driver) { hardcopy_.driver = driver; }
 
@@ -198,7 +196,8 @@ void QtToolkit::IGrHardcopy(std::string_view nameOrStop) {
     hardcopy_.eps = CairoCanvas::Open(name, ImageFormat::kEps, kEpsWidth, kEpsHeight);
     if (!hardcopy_.eps) lastError_ = kErrorOsCommand;
   } else if (hardcopy_.driver == kPrinterDriver) {
-    if (!hardcopy_.printer) hardcopy_.printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    if (!hardcopy_.printer)
+      hardcopy_.printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
     hardcopy_.printer->setDocName(ToQt(name));
     const QRectF page = hardcopy_.printer->pageRect(QPrinter::DevicePixel);
     hardcopy_.page =
@@ -222,8 +221,9 @@ void QtToolkit::IGrSaveImage(std::string_view fileName) {
   plot->Present();
   const std::string name(Trimmed(fileName));
   const std::optional<ImageFormat> format = ImageFormatOf(name);
-  const char* kind = format == ImageFormat::kJpg ? "JPG" : format == ImageFormat::kBmp ? "BMP"
-                                                                                       : "PNG";
+  const char* kind = format == ImageFormat::kJpg   ? "JPG"
+                     : format == ImageFormat::kBmp ? "BMP"
+                                                   : "PNG";
   const QImage image = plot->Shown().convertToFormat(QImage::Format_RGB32);
   if (image.isNull() || !image.save(ToQt(name), kind)) lastError_ = kErrorOsCommand;
 }

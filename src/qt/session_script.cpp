@@ -17,8 +17,9 @@ namespace {
 
 void PostMouse(QWidget& target, QEvent::Type type, QPoint at) {
   const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-  QApplication::postEvent(&target, new QMouseEvent(type, QPointF(at), target.mapToGlobal(QPointF(at)),
-                                                   Qt::LeftButton, held, Qt::NoModifier));
+  QApplication::postEvent(
+      &target, new QMouseEvent(type, QPointF(at), target.mapToGlobal(QPointF(at)), Qt::LeftButton,
+                               held, Qt::NoModifier));
 }
 
 bool SaveWindow(QtToolkit& toolkit, int window, const std::string& fileName) {

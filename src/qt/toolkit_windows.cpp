@@ -11,10 +11,14 @@ namespace {
 
 int ButtonOf(Qt::MouseButton button) {
   switch (button) {
-    case Qt::LeftButton: return 1;
-    case Qt::RightButton: return 2;
-    case Qt::MiddleButton: return 3;
-    default: return 0;
+    case Qt::LeftButton:
+      return 1;
+    case Qt::RightButton:
+      return 2;
+    case Qt::MiddleButton:
+      return 3;
+    default:
+      return 0;
   }
 }
 
@@ -22,16 +26,26 @@ int ButtonOf(Qt::MouseButton button) {
 
 int KeyCodeOf(int qtKey, const QString& text) {
   switch (qtKey) {
-    case Qt::Key_Up: return kKeyArrowUp;
-    case Qt::Key_Down: return kKeyArrowDown;
-    case Qt::Key_Right: return kKeyArrowRight;
-    case Qt::Key_Left: return kKeyArrowLeft;
-    case Qt::Key_PageUp: return kKeyPageUp;
-    case Qt::Key_PageDown: return kKeyPageDown;
-    case Qt::Key_Home: return kKeyHome;
-    case Qt::Key_End: return kKeyEnd;
-    case Qt::Key_Escape: return kKeyEscape;
-    default: break;
+    case Qt::Key_Up:
+      return kKeyArrowUp;
+    case Qt::Key_Down:
+      return kKeyArrowDown;
+    case Qt::Key_Right:
+      return kKeyArrowRight;
+    case Qt::Key_Left:
+      return kKeyArrowLeft;
+    case Qt::Key_PageUp:
+      return kKeyPageUp;
+    case Qt::Key_PageDown:
+      return kKeyPageDown;
+    case Qt::Key_Home:
+      return kKeyHome;
+    case Qt::Key_End:
+      return kKeyEnd;
+    case Qt::Key_Escape:
+      return kKeyEscape;
+    default:
+      break;
   }
   if (text.size() == 1 && text[0].unicode() >= 32 && text[0].unicode() < 127) {
     return text[0].unicode();

@@ -34,11 +34,11 @@ class LoopThreadReporter : public Reporter {
 };
 
 // Items grey while a job runs: what would open, change or read the project's files.
-constexpr int kBusyItems[] = {menu::kNewProject, menu::kOpenProject,   menu::kUpdateProject,
-                              menu::kSaveProjectAs, menu::kRecentFirst, menu::kRecentFirst + 1,
-                              menu::kRecentFirst + 2, menu::kRecentFirst + 3, menu::kEditProject,
-                              menu::kRunProject,  menu::kViewOutput,    menu::kUpdateAndRun,
-                              menu::kPlot,        menu::kFourier,       menu::kOutput};
+constexpr int kBusyItems[] = {
+    menu::kNewProject,  menu::kOpenProject,     menu::kUpdateProject,   menu::kSaveProjectAs,
+    menu::kRecentFirst, menu::kRecentFirst + 1, menu::kRecentFirst + 2, menu::kRecentFirst + 3,
+    menu::kEditProject, menu::kRunProject,      menu::kViewOutput,      menu::kUpdateAndRun,
+    menu::kPlot,        menu::kFourier,         menu::kOutput};
 
 void SetBusy(Toolkit& toolkit, bool busy) {
   for (int item : kBusyItems) toolkit.WMenuSetState(item, kMenuItemEnabled, busy ? 0 : 1);
@@ -102,7 +102,8 @@ EngineResult RunEngineJob(ShellState& state, Toolkit& toolkit, EngineRequest req
   request.stop = &RunStopFlag();
   request.onCycle = [&](const CycleReport& report) {
     const auto elapsed = std::chrono::steady_clock::now() - start;
-    const int seconds = static_cast<int>(std::chrono::duration_cast<std::chrono::seconds>(elapsed).count());
+    const int seconds =
+        static_cast<int>(std::chrono::duration_cast<std::chrono::seconds>(elapsed).count());
     toolkit.OnLoopThread([&] { ShowCycle(state, toolkit, report, seconds); });
     if (state.hooks.afterCycleShown) state.hooks.afterCycleShown(report.cycle);
   };

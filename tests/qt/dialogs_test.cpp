@@ -51,9 +51,7 @@ struct Screen {
 
 // Clicks a field's button once the dialog's own loop runs.
 void ClickLater(Screen& screen, int field) {
-  QTimer::singleShot(0, [&screen, field] {
-    screen.Field<QAbstractButton>(field)->click();
-  });
+  QTimer::singleShot(0, [&screen, field] { screen.Field<QAbstractButton>(field)->click(); });
 }
 
 TEST(Dialogs, LoadPlacesTheFieldsOfTheResourceWithTheirClasses) {

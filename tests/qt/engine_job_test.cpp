@@ -1,6 +1,8 @@
 // A refinement on the Qt toolkit runs beside the message loop: held inside its second cycle,
 // the loop still serves posted events and repaints, the log holds the first cycle's lines,
 // Stop ends the run after that cycle with its files written, and the plot follows the cycles.
+#include "shell/engine_job.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -14,7 +16,6 @@
 
 #include "modal_answerer.h"
 #include "qt/qt_toolkit.h"
-#include "shell/engine_job.h"
 #include "shell/main_window.h"
 #include "shell/project_lifecycle.h"
 #include "shell/tool_routines.h"
@@ -89,7 +90,8 @@ TEST(EngineJob, ARefinementHeldInACycleLeavesTheLoopServingAndStopsAfterThatCycl
   QImage afterCycle1, afterCycle2;
   program.state.hooks.afterCycleShown = [&](int cycle) {
     // The plot of this cycle stands on the window when the hook is called.
-    program.toolkit.OnLoopThread([&] { (cycle == 1 ? afterCycle1 : afterCycle2) = program.Plot(); });
+    program.toolkit.OnLoopThread(
+        [&] { (cycle == 1 ? afterCycle1 : afterCycle2) = program.Plot(); });
     if (cycle == 2) gate.Hold(2);
   };
 
@@ -101,7 +103,8 @@ TEST(EngineJob, ARefinementHeldInACycleLeavesTheLoopServingAndStopsAfterThatCycl
     if (!gate.Held(2)) return;
     watcher.stop();
     // The loop's thread is free while the engine waits: posted events are served.
-    QMetaObject::invokeMethod(qApp, [&] { ++served; }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        qApp, [&] { ++served; }, Qt::QueuedConnection);
     QApplication::processEvents();
     program.toolkit.Window(kMainWindow)->Plot().repaint();
     heldLog = program.Log().toStdString();

@@ -148,7 +148,8 @@ class OnScreen {
     HandleMessage(shell, message);
     const QTextDocument& log = *toolkit_.Window(1)->Editor()->document();
     if (!log.isEmpty()) {
-      for (const QString& line : log.toPlainText().split('\n')) out.log.push_back(line.toStdString());
+      for (const QString& line : log.toPlainText().split('\n'))
+        out.log.push_back(line.toStdString());
     }
     out.asked = answerer_.Seen();
     out.exit = state_.exitRequested;
@@ -174,8 +175,8 @@ TEST(MenuBar, EveryItemStandsUnderItsMenuWithItsKeyAndReachesTheScriptedRoutine)
     // A recent item shows its project, "empty" at first; only its place tells it.
     QAction* action =
         recent ? screen.Toolkit().Menu()->Action(entry.id)
-               : FindAction(bar, entry.menu, QString::fromUtf8(entry.caption.data(),
-                                                               entry.caption.size()));
+               : FindAction(bar, entry.menu,
+                            QString::fromUtf8(entry.caption.data(), entry.caption.size()));
     ASSERT_NE(action, nullptr) << entry.menu << " / " << entry.caption;
     EXPECT_EQ(action->shortcut(),
               QKeySequence(QString::fromUtf8(entry.key.data(), entry.key.size())));
@@ -206,10 +207,10 @@ TEST(MenuBar, PopupsHaveTheIdsThatGreyThem) {
   OnScreen screen;
   MenuBar& menu = *screen.Toolkit().Menu();
   const std::pair<int, const char*> popups[] = {
-      {40001, "File"},         {40017, "New project"},  {40003, "Save graphics"},
-      {40010, "Log text size"}, {40012, "Settings"},    {40014, "Edit project"},
-      {40036, "More phases"},  {40067, "Delete phase"}, {40040, "Run"},
-      {40007, "Plot"},         {40048, "Fourier"},      {40053, "Output"}};
+      {40001, "File"},          {40017, "New project"},  {40003, "Save graphics"},
+      {40010, "Log text size"}, {40012, "Settings"},     {40014, "Edit project"},
+      {40036, "More phases"},   {40067, "Delete phase"}, {40040, "Run"},
+      {40007, "Plot"},          {40048, "Fourier"},      {40053, "Output"}};
   for (const auto& [id, title] : popups) {
     ASSERT_NE(menu.Action(id), nullptr) << id;
     EXPECT_EQ(menu.Action(id)->text(), title);

@@ -1,12 +1,13 @@
 // The QPainter canvas of the windows and the printer: colours in the plots' byte order,
 // antialiased lines, clipping, text, and drawing at a high pixel ratio in logical pixels; the
 // window's image saved as JPEG and BMP.
+#include "qt/painter_canvas.h"
+
 #include <gtest/gtest.h>
 
 #include <QImage>
 #include <filesystem>
 
-#include "qt/painter_canvas.h"
 #include "qt/qt_toolkit.h"
 #include "support/test_files.h"
 
@@ -23,7 +24,8 @@ QImage WhiteImage(int width, int height, qreal ratio = 1.0) {
 int PaintedPixels(const QImage& image, QRect area) {
   int count = 0;
   for (int y = area.top(); y <= area.bottom(); ++y) {
-    for (int x = area.left(); x <= area.right(); ++x) count += image.pixel(x, y) != qRgb(255, 255, 255);
+    for (int x = area.left(); x <= area.right(); ++x)
+      count += image.pixel(x, y) != qRgb(255, 255, 255);
   }
   return count;
 }
@@ -116,7 +118,7 @@ TEST(QtToolkitImages, SaveTheWindowAsShownAsJpegAndBmp) {
     ASSERT_FALSE(saved.isNull()) << name;
     EXPECT_EQ(saved.size(), toolkit.Window(kMainWindow)->Plot().Shown().size());
     const QPoint middle(saved.width() / 2, saved.height() / 2);
-    EXPECT_LT(qGray(saved.pixel(middle)), 80) << name;        // on the diagonal
+    EXPECT_LT(qGray(saved.pixel(middle)), 80) << name;          // on the diagonal
     EXPECT_GT(qGray(saved.pixel(middle.x(), 5)), 200) << name;  // off it
   }
   toolkit.IGrSaveImage((dir.Path() / "missing" / "plot.bmp").string());

@@ -1,5 +1,7 @@
 // Start-up on the Qt toolkit: the order of its steps, and what stands on screen after it, with
 // and without a project on the command line.
+#include "shell/startup.h"
+
 #include <gtest/gtest.h>
 
 #include <QAction>
@@ -12,7 +14,6 @@
 #include "modal_answerer.h"
 #include "qt/qt_toolkit.h"
 #include "shell/main_window.h"
-#include "shell/startup.h"
 #include "shell/tool_routines.h"
 #include "support/test_files.h"
 
@@ -144,8 +145,9 @@ TEST(StartUp, OpensTheWindowsInOrderAndStandsWithoutAProject) {
 TEST(StartUp, OpensTheProjectOfTheCommandLineAfterTheLog) {
   testing::ModalAnswerer answerer;
   testing::ScratchDir projects;
-  const fs::path project = projects.Write(
-      "corundum.rec", testing::ReadBytes(testing::TestData("../../examples/corundum/corundum.rec")));
+  const fs::path project =
+      projects.Write("corundum.rec",
+                     testing::ReadBytes(testing::TestData("../../examples/corundum/corundum.rec")));
   StartedProgram program({project.string(), "second.rec"});
   const std::string recent = "recent " + project.string();
   // The log window stands before the load logs into it.

@@ -114,7 +114,8 @@ TEST(MenuTable, HoldsEachIdOnceWithARoutine) {
     EXPECT_NE(entry.routine, nullptr) << entry.id;
     EXPECT_EQ(FindMenuEntry(entry.id), &entry);
   }
-  EXPECT_EQ(ids.size(), 73u);  // the 72 of the menu resource and Stop
+  // The 72 of the menu resource and Stop.
+  EXPECT_EQ(ids.size(), 73u);
   EXPECT_EQ(FindMenuEntry(menu::kFile), nullptr);  // a popup, not a command
   EXPECT_EQ(FindMenuEntry(0), nullptr);
 
