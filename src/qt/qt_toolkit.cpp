@@ -16,8 +16,6 @@
 #include <QThread>
 #include <QToolBar>
 #include <atomic>
-#include <chrono>
-#include <ctime>
 #include <filesystem>
 #include <thread>
 
@@ -326,12 +324,6 @@ void QtToolkit::IOsDeleteFile(std::string_view name, int) {
   }
 }
 
-DateTime QtToolkit::IOsDateTime() {
-  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  std::tm local{};
-  localtime_r(&now, &local);
-  return DateTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                  local.tm_hour,        local.tm_min,     local.tm_sec};
-}
+DateTime QtToolkit::IOsDateTime() { return SystemDateTime(); }
 
 }  // namespace kaldena

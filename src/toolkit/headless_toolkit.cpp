@@ -1,9 +1,7 @@
 // The scripted, display-free toolkit.
 #include "toolkit/headless_toolkit.h"
 
-#include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 #include <sstream>
 
@@ -466,13 +464,6 @@ void ScriptedToolkit::IOsDeleteFile(std::string_view name, int) {
   fileOperations_.push_back(FileOperation{"delete", file.string(), "", ok});
 }
 
-DateTime ScriptedToolkit::IOsDateTime() {
-  if (fixedTime_) return *fixedTime_;
-  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  std::tm local{};
-  localtime_r(&now, &local);
-  return DateTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                  local.tm_hour,        local.tm_min,     local.tm_sec};
-}
+DateTime ScriptedToolkit::IOsDateTime() { return fixedTime_ ? *fixedTime_ : SystemDateTime(); }
 
 }  // namespace kaldena

@@ -86,6 +86,9 @@ struct DateTime {
   int hour = 0, minute = 0, second = 0;
 };
 
+// The local date and time of the system's clock, as both toolkits give it.
+DateTime SystemDateTime();
+
 class Toolkit {
  public:
   virtual ~Toolkit() = default;

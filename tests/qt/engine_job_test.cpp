@@ -16,6 +16,7 @@
 
 #include "modal_answerer.h"
 #include "qt/qt_toolkit.h"
+#include "qt_windows.h"
 #include "shell/main_window.h"
 #include "shell/project_lifecycle.h"
 #include "shell/tool_routines.h"
@@ -61,11 +62,7 @@ struct Program {
     dir.Write("corundum.rec", rec);
     fs::copy_file(testing::TestData("../../examples/corundum/corundum.xy"),
                   dir.Path() / "corundum.xy");
-    toolkit.WindowOpen(39, 20, 20, 800, 500, 30001, "KALDENA");
-    state.logWindow = toolkit.WindowOpenChild(256, 20, 600, 800, 250, "KALDENA Log");
-    toolkit.WindowSelect(state.logWindow);
-    toolkit.WEditFile(12582948, 4, 10);
-    toolkit.WindowSelect(kMainWindow);
+    testing::OpenMainAndLog(toolkit, state);
     toolkit.WindowStatusBarParts(std::vector<int>{2000, 2000, 2000, 2000, 2000});
     InstallToolHooks(state);
     state.recentProjects[0] = (dir.Path() / "corundum.rec").string();

@@ -12,6 +12,7 @@
 
 #include "modal_answerer.h"
 #include "qt/qt_toolkit.h"
+#include "qt_windows.h"
 #include "shell/main_window.h"
 #include "shell/project_lifecycle.h"
 #include "toolkit/dialog_resources.h"
@@ -110,13 +111,7 @@ Outcome OnScripted(int id) {
 
 class OnScreen {
  public:
-  OnScreen() : toolkit_({"kaldena"}) {
-    toolkit_.WindowOpen(39, 20, 20, 800, 500, 30001, "KALDENA");
-    state_.logWindow = toolkit_.WindowOpenChild(256, 20, 600, 800, 250, "KALDENA Log");
-    toolkit_.WindowSelect(state_.logWindow);
-    toolkit_.WEditFile(12582948, 4, 10);
-    toolkit_.WindowSelect(kMainWindow);
-  }
+  OnScreen() : toolkit_({"kaldena"}) { testing::OpenMainAndLog(toolkit_, state_); }
   ~OnScreen() { toolkit_.WindowClose(); }
   QtToolkit& Toolkit() { return toolkit_; }
   // The windows' own repaint and resize messages are passed over.

@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "qt/qt_toolkit.h"
+#include "qt_windows.h"
 #include "shell/main_window.h"
 #include "shell/shell_services.h"
 #include "support/test_files.h"
@@ -54,11 +55,7 @@ class PrintToFile {
 
 struct Program {
   Program() : toolkit({"kaldena"}) {
-    toolkit.WindowOpen(39, 20, 20, 640, 400, 30001, "KALDENA");
-    state.logWindow = toolkit.WindowOpenChild(256, 20, 500, 640, 200, "KALDENA Log");
-    toolkit.WindowSelect(state.logWindow);
-    toolkit.WEditFile(12582948, 4, 10);
-    toolkit.WindowSelect(kMainWindow);
+    testing::OpenMainAndLog(toolkit, state);
     state.projectBaseName = "corundum";
   }
   ~Program() { toolkit.WindowClose(); }
