@@ -331,8 +331,9 @@ Try TryStep(EngineState& state, int cycle, float marquardt) {
   return t;
 }
 
-// The parameters of the accepted cycle with the lowest sum of squares; a later cycle within
-// the tolerance counts as no worse, so that a converged run keeps its last cycle.
+// The parameters of the accepted cycle (or the start) with the lowest sum of squares. Steps are
+// measured against it, so that the accepted cycles never drift above it by more than the
+// tolerance, and a run whose last cycle lies within the tolerance keeps that one.
 struct BestCycle {
   int cycle = 0;
   double sum = 0;
@@ -352,9 +353,9 @@ void ListRejected(EngineState& state, Reporter& reporter, int cycle, const std::
 
 // Brings the model back to the best cycle when the run ended elsewhere, and evaluates the
 // pattern, residuals and esds again there: one more sweep and a step of zero shifts.
-bool KeepBest(EngineState& state, const BestCycle& best, int lastCycle) {
+bool KeepBest(EngineState& state, const BestCycle& best, double lastSum) {
   CycleSummary& s = state.summary;
-  if (best.cycle == lastCycle && best.cycle > 0 && s.end != CycleEnd::kDiverging) return true;
+  if (s.cycles > 0 && s.end != CycleEnd::kDiverging && NotHigher(lastSum, best.sum)) return true;
   best.model.RestoreInto(state);
   state.list.Line(
       FormatLine("(/' Parameters of cycle',I4,' kept (lowest weighted sum of squares);',"
@@ -415,6 +416,7 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
   BestCycle best{0, SumOfSquares(state.summary), ModelSnapshot::Of(state), {}, 0, {}};
   MarquardtFactor marquardt;
   int cycle = 1, rejectedInRow = 0;
+  double lastSum = best.sum;
   for (;;) {
     Progress(state, reporter, " Matrix calculations done");
     const SweepSnapshot swept = SweepSnapshot::Of(state);
@@ -437,16 +439,16 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
       if (!point.empty()) why = "non-finite calculated value at " + point;
     }
     const double sum = SumOfSquares(state.summary);
-    if (why.empty() && !NotHigher(sum, SumOfSquares(step.summary))) {
-      why = FormatLine("('sum of squares',E12.4,' above',E12.4)", sum, SumOfSquares(step.summary));
+    if (why.empty() && !NotHigher(sum, best.sum)) {
+      why = FormatLine("('sum of squares',E12.4,' above the lowest',E12.4)", sum, best.sum);
     }
     if (!why.empty()) {
       state.list.Drop();
       before.RestoreInto(state);
       swept.RestoreInto(state);
+      ListRejected(state, reporter, cycle, why, marquardt.Value());
       marquardt.Raise();
       ++s.rejectedTries;
-      ListRejected(state, reporter, cycle, why, marquardt.Value());
       if (++rejectedInRow < kMaxRejectedTries && !stop) continue;
       s.end = stop ? CycleEnd::kStopped : CycleEnd::kDiverging;
       state.list.Line(FormatLine("(/' Step control gave up after',I2,' rejected tries: diverging')",
@@ -463,7 +465,8 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
     rejectedInRow = 0;
     marquardt.Lower();
     s.cycles = s.keptCycle = cycle;
-    if (NotHigher(sum, best.sum)) {
+    lastSum = sum;
+    if (sum < best.sum) {
       best = {cycle,
               sum,
               ModelSnapshot::Of(state),
@@ -487,7 +490,7 @@ CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<
     ++cycle;
     Progress(state, reporter, " L.S. cycles started");
   }
-  return KeepBest(state, best, s.cycles) ? CycleStatus::kOk : CycleStatus::kFailed;
+  return KeepBest(state, best, lastSum) ? CycleStatus::kOk : CycleStatus::kFailed;
 }
 
 }  // namespace kaldena

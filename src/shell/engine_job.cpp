@@ -109,10 +109,6 @@ EngineResult RunEngineJob(ShellState& state, Toolkit& toolkit, EngineRequest req
   };
   EngineResult result;
   RunShellJob(state, toolkit, [&](Reporter& reporter) { result = RunEngine(request, reporter); });
-  if (result.outcome == RunOutcome::kStopped && !result.runs.empty()) {
-    LogLine(state, toolkit,
-            "Refinement stopped after cycle " + std::to_string(result.runs.back().cycles));
-  }
   return result;
 }
 

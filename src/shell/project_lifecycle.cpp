@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "engine/run_engine.h"
+#include "engine/run_report.h"
 #include "shell/default_project.h"
 #include "shell/engine_job.h"
 #include "shell/preferences.h"
@@ -334,18 +335,18 @@ void SaveProjectAs(ShellState& state, Toolkit& toolkit) {
 }
 
 int RunProject(ShellState& state, Toolkit& toolkit) {
+  ShellReporter reporter(state, toolkit);
   EngineRequest request;
   request.fileName = StrippedText(state.projectFileName);
   request.debug = state.debugMode != 0;
   // The load made the project's directory the current one, where the defaults lie.
   request.workingDirectory = state.projectDir;
   const EngineResult result = RunEngineJob(state, toolkit, request);
+  TellOutcome(result, reporter);
   if (result.status == 0) {
     if (state.plotMode > 2) state.plotMode = 1;
     state.reloadPlotData = 1;
     ShowPattern(state, toolkit);
-  } else {
-    LogLine(state, toolkit, "Refinement interupted");
   }
   return result.status;
 }

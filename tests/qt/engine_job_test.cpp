@@ -125,7 +125,8 @@ TEST(EngineJob, ARefinementHeldInACycleLeavesTheLoopServingAndStopsAfterThatCycl
 
   // Two cycles, not the five of a full refinement, with the results written.
   EXPECT_EQ(program.Log().count("Max. shift/e.s.d."), 2);
-  EXPECT_TRUE(program.Log().contains("Refinement stopped after cycle 2"));
+  EXPECT_TRUE(program.Log().contains("Outcome: stopped by the user"));
+  EXPECT_TRUE(program.Log().contains(" Cycles:   2"));
   for (const char* file : {"corundum.par", "corundum.sum", "corundum.out", "corundum.fou"}) {
     EXPECT_TRUE(fs::exists(program.dir.Path() / file)) << file;
   }
@@ -153,7 +154,8 @@ TEST(EngineJob, EscapeStopsAndClosingTheWindowEndsTheProgramAfterTheRun) {
     while (!RunStopFlag()) QThread::yieldCurrentThread();
   };
   EXPECT_EQ(RunProject(program.state, program.toolkit), 0);
-  EXPECT_TRUE(program.Log().contains("Refinement stopped after cycle 1"));
+  EXPECT_TRUE(program.Log().contains("Outcome: stopped by the user"));
+  EXPECT_TRUE(program.Log().contains(" Cycles:   1"));
   EXPECT_TRUE(program.state.exitRequested);
 }
 
