@@ -127,7 +127,7 @@ void PlotOptions(ShellContext& shell, const Entry& entry) {
 void Halfwidths(ShellContext& shell, const Entry& entry) {
   if (!shell.routines.redrawPlot) return LogNotAvailable(shell, entry);
   shell.state.plotMode = 2;
-  RedrawPlot(shell, 0);
+  RedrawPlot(shell, 1);
 }
 void Structure(ShellContext& shell, const Entry& entry) { PlotStructure(shell, entry); }
 

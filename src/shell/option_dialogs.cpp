@@ -15,14 +15,23 @@
 namespace kaldena {
 namespace {
 
-// Reads the parameter file into `store`; " Error opening parfile " and false when it does not
-// open.
-bool LoadParameters(ShellState& state, Toolkit& toolkit, RecordStore& store) {
+// Hands the loaded parameter file to `read`; " Error opening parfile " and false when it does
+// not open.
+bool ReadParameters(ShellState& state, Toolkit& toolkit,
+                    const std::function<void(RecordStore&)>& read) {
+  ShellReporter reporter(state, toolkit);
+  RecordStore store(reporter);
   const std::string file = InProjectDir(state, state.parameterFileName);
-  if (store.jReadRecFile(file) >= 1) return true;
+  const bool opened = store.jReadRecFile(file) >= 1;
+  if (opened) read(store);
   store.jCloseRec();
-  LogLine(state, toolkit, " Error opening parfile " + file);
-  return false;
+  if (!opened) LogLine(state, toolkit, " Error opening parfile " + file);
+  return opened;
+}
+
+void LoadDialog(Toolkit& toolkit, int dialog) {
+  toolkit.WDialogParent(kMainWindow);
+  toolkit.WDialogLoad(dialog);
 }
 
 // Replaces the lines of each record's key, or adds the record where the key is absent.
@@ -56,13 +65,12 @@ float GetFloat(Toolkit& toolkit, int field) {
 }  // namespace
 
 void DistanceOptionsDialog(ShellState& state, Toolkit& toolkit) {
-  ShellReporter reporter(state, toolkit);
-  RecordStore store(reporter);
-  if (!LoadParameters(state, toolkit, store)) return;
-  DistanceLimits limits = ReadDistanceLimits(store);
-  store.jCloseRec();
-  toolkit.WDialogParent(kMainWindow);
-  toolkit.WDialogLoad(kDistanceOptionsDialog);
+  DistanceLimits limits;
+  if (!ReadParameters(state, toolkit,
+                      [&](RecordStore& store) { limits = ReadDistanceLimits(store); })) {
+    return;
+  }
+  LoadDialog(toolkit, kDistanceOptionsDialog);
   toolkit.WDialogPutReal(kDistanceMinimum, limits.dmin);
   toolkit.WDialogPutReal(kDistanceMaximum, limits.dmax);
   toolkit.WDialogPutReal(kAngleMinimum, limits.amin);
@@ -79,24 +87,23 @@ void DistanceOptionsDialog(ShellState& state, Toolkit& toolkit) {
 }
 
 void TableOptionsDialog(ShellState& state, Toolkit& toolkit) {
-  ShellReporter reporter(state, toolkit);
-  RecordStore store(reporter);
-  if (!LoadParameters(state, toolkit, store)) return;
   // Decimals of coordinates, occupancy form, decimals of anisotropic factors, beta or U.
   std::array<int, 4> v{4, 1, 4, 1};
-  std::string data;
-  if (store.jFindRec("TABL", data) == 1 &&
-      Read(data, "(4i5)", v[0], v[1], v[2], v[3]) != ReadStatus::kOk) {
-    v = {4, 1, 4, 1};
+  if (!ReadParameters(state, toolkit, [&](RecordStore& store) {
+        std::string data;
+        if (store.jFindRec("TABL", data) == 1 &&
+            Read(data, "(4i5)", v[0], v[1], v[2], v[3]) != ReadStatus::kOk) {
+          v = {4, 1, 4, 1};
+        }
+      })) {
+    return;
   }
-  store.jCloseRec();
   auto clamp = [&v] {
     v = {std::clamp(v[0], 2, 5), std::clamp(v[1], 1, 2), std::clamp(v[2], 2, 5),
          std::clamp(v[3], 1, 2)};
   };
   clamp();
-  toolkit.WDialogParent(kMainWindow);
-  toolkit.WDialogLoad(kTableOptionsDialog);
+  LoadDialog(toolkit, kTableOptionsDialog);
   toolkit.WDialogPutInteger(kTableDecimals, v[0]);
   toolkit.WDialogPutInteger(kTableOccupancy, v[1]);
   toolkit.WDialogPutInteger(kTableAnisoDecimals, v[2]);
@@ -111,13 +118,11 @@ void TableOptionsDialog(ShellState& state, Toolkit& toolkit) {
 }
 
 void FourierOptionsDialog(ShellState& state, Toolkit& toolkit) {
-  ShellReporter reporter(state, toolkit);
-  RecordStore store(reporter);
-  if (!LoadParameters(state, toolkit, store)) return;
-  FourierOptions o = ReadFourierOptions(store);
-  store.jCloseRec();
-  toolkit.WDialogParent(kMainWindow);
-  toolkit.WDialogLoad(kFourierOptionsDialog);
+  FourierOptions o;
+  if (!ReadParameters(state, toolkit, [&](RecordStore& store) { o = ReadFourierOptions(store); })) {
+    return;
+  }
+  LoadDialog(toolkit, kFourierOptionsDialog);
   // The legacy type 1 has no button: none is on, and the type stays unless one is chosen.
   if (o.mapType >= 2) toolkit.WDialogPutRadioButton(kFourierMapFirst + o.mapType - 2);
   toolkit.WDialogPutInteger(kFourierPositiveLevel, o.positiveLevel);

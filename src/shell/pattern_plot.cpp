@@ -128,6 +128,8 @@ SummaryStatus ReadSummary(ShellState& state, PlotData& data, Reporter& reporter)
     sources.fileType = state.fileType;
     sources.debug = state.debugMode != 0;
     status = ReadPlotData(sources, data, reporter);
+    // Another project's pattern must not stand under this one's name.
+    if (status == SummaryStatus::kNoSummary) data = PlotData{};
   }
   state.plotMode = 1;
   return status;

@@ -37,7 +37,8 @@ SummaryStatus ReadPlotData(const SummarySources& sources, PlotData& data, Report
 
 // The shell's entry: reads when state.reloadPlotData is set (and clears it), from the
 // project's parameter, summary and Fourier files, then sets the pattern as the plot mode.
-// The caller redraws.
+// A project without a summary has no pattern; other failures keep the data as it was. The
+// caller redraws.
 SummaryStatus ReadSummary(ShellState& state, PlotData& data, Reporter& reporter);
 
 // The page box of the plots, in plot units, that a canvas is fitted to.

@@ -293,7 +293,8 @@ bool UpdateProject(ShellState& state, Toolkit& toolkit) {
 
 bool BackupProject(ShellState& state, Toolkit& toolkit) {
   const std::string backup = InProjectDir(state, StrippedText(state.projectBaseName) + ".bck");
-  const bool ok = CopyFileChecked(toolkit, InProjectDir(state, state.parameterFileName), backup);
+  const bool ok =
+      CopyFileChecked(toolkit, InProjectDir(state, state.parameterFileName), backup);
   LogLine(state, toolkit, ok ? "Project backed up" : "Error backing up project");
   return ok;
 }

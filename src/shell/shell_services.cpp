@@ -40,9 +40,8 @@ std::string DateTimeText(Toolkit& toolkit, int width) {
   std::string text(static_cast<std::size_t>(std::max(width, 0)), ' ');
   if (width < 10) return text;
   const DateTime now = toolkit.IOsDateTime();
-  text.replace(
-      0, 10,
-      FormatLine("(i4.4,'-',i2.2,'-',i2.2)", now.year % 10000, now.month % 100, now.day % 100));
+  text.replace(0, 10, FormatLine("(i4.4,'-',i2.2,'-',i2.2)", now.year % 10000, now.month % 100,
+                                 now.day % 100));
   if (width >= 18) {
     text.replace(10, 8, FormatLine("(3x,i2.2,':',i2.2)", now.hour % 100, now.minute % 100));
   }

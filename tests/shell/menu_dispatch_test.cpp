@@ -361,7 +361,7 @@ TEST(MenuDispatch, RegisteredRoutinesAreCalledWithTheirPhaseOrSlot) {
                            "add 10 1", "delete 10 7", "pattern 10 7", "plotoptions 10 7",
                            "fourieroptions 10 7", "addatoms 10 7", "contours after enable 6 off @0",
                            "table+ 10 7", "tableoptions 10 7", "distanceoptions 10 7", "cif 10 7",
-                           "cifraw 10 7", "crystallinity 10 7", "redraw 2 0"}));
+                           "cifraw 10 7", "crystallinity 10 7", "redraw 2 1"}));
   EXPECT_EQ(s.toolkit.calls.back(), "enable 6 on @0");
   EXPECT_TRUE(s.NewLog().empty());
 }

@@ -185,6 +185,25 @@ TEST(PlotWindow, TheStatusBarReadsTwoThetaCountsAndTheReflectionUnderTheMouse) {
   EXPECT_EQ(s.toolkit.StatusField(1), expected);
 }
 
+TEST(PlotWindow, TheHalfwidthPlotAndAProjectWithoutSummaryOnScreen) {
+  Session s;
+  RecordingCanvas& canvas = s.toolkit.RecordedCanvas();
+  DispatchMenu(s.shell, menu::kPlotHalfwidths);
+  EXPECT_EQ(s.state.plotMode, 2);
+  EXPECT_EQ(LinesInColour(canvas, kSumColour), 2 * 200);  // width and shape, 201 points each
+  canvas.Clear();
+  HandleMessage(s.shell, {kExpose});
+  EXPECT_EQ(LinesInColour(canvas, kSumColour), 2 * 200);
+
+  // Loaded again without its summary: the old pattern is gone, not shown under its name.
+  std::filesystem::remove(s.dir.Path() / "corundum.sum");
+  OpenProject(s.state, s.toolkit, 1);
+  EXPECT_TRUE(s.Logged("Error opening " + (s.dir.Path() / "corundum.sum").string()));
+  EXPECT_EQ(s.state.plotMode, 1);
+  EXPECT_EQ(LinesInColour(canvas, kSumColour), 0);
+  EXPECT_EQ(LinesInColour(canvas, 0), 0);
+}
+
 TEST(PlotWindow, NothingIsDrawnWithoutAProjectOrAPlot) {
   Session s;
   RecordingCanvas& canvas = s.toolkit.RecordedCanvas();
