@@ -4,7 +4,6 @@
 // a QPainter canvas, to the printer through QPrinter, and to EPS through the cairo canvas.
 #pragma once
 
-#include <QPointer>
 #include <deque>
 #include <functional>
 #include <map>
@@ -125,7 +124,8 @@ class QtToolkit : public Toolkit {
   void IGrAreaClear() override;
   int WGrInput(int mode, double& x, double& y) override;
   void WCursorShape(int shape) override;
-  // While a hardcopy is open, its page; otherwise the selected window's plot area.
+  // While graphics go to an open hardcopy ("H"), its page; otherwise the selected window's
+  // plot area.
   Canvas& WindowCanvas() override;
 
   void IGrPlotMode(std::string_view mode) override;
@@ -156,7 +156,6 @@ class QtToolkit : public Toolkit {
   struct Graphics {
     double area[4]{0, 0, 1, 1};
     double units[4]{0, 0, 1, 1};
-    int colour = 0;
     int direction = 0;
     double textHeight = 0.02;  // of the area's height
   };

@@ -56,8 +56,8 @@ PlotArea* QtToolkit::SelectedPlot() {
 }
 
 Canvas& QtToolkit::WindowCanvas() {
-  if (hardcopy_.eps) return *hardcopy_.eps;
-  if (hardcopy_.page) return *hardcopy_.page;
+  if (hardcopy_.mode && hardcopy_.eps) return *hardcopy_.eps;
+  if (hardcopy_.mode && hardcopy_.page) return *hardcopy_.page;
   PlotArea* plot = SelectedPlot();
   if (!plot) {
     // No window to draw on (before the main window or after the way down): nobody sees it.
@@ -110,7 +110,6 @@ void QtToolkit::IGrPixelsFromUnits(double x, double y, int& px, int& py) {
 void QtToolkit::IGrColour(std::string_view name) { IGrColourN(NamedColour(name)); }
 
 void QtToolkit::IGrColourN(int colour) {
-  graphics_.colour = colour;
   WindowCanvas().SetColour(colour);
 }
 
