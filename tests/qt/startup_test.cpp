@@ -14,6 +14,7 @@
 #include "modal_answerer.h"
 #include "qt/qt_toolkit.h"
 #include "shell/main_window.h"
+#include "shell/shell_services.h"
 #include "shell/tool_routines.h"
 #include "support/test_files.h"
 
@@ -173,6 +174,30 @@ TEST(StartUp, AMissingProjectLeavesTheProgramWithoutOne) {
   EXPECT_TRUE(program.Log().contains(" Error opening project file."));
   EXPECT_TRUE(program.Log().contains("/nonexistent/missing.rec"));
   EXPECT_TRUE(program.state.projectFileName.empty());
+}
+
+TEST(StartUp, ClosingTheLogLeavesTheProgramRunningAndLogLinesGoNowhere) {
+  testing::ModalAnswerer answerer;
+  StartedProgram program({});
+  program.toolkit.Window(program.state.logWindow)->close();  // the window's close button
+  Message message;
+  do {
+    message = program.toolkit.WMessageGet();
+  } while (message.type != kCloseRequest);
+  EXPECT_EQ(message.window, program.state.logWindow);
+  HandleMessage(program.shell, message);
+  EXPECT_FALSE(program.state.exitRequested);
+  EXPECT_EQ(program.toolkit.Window(program.state.logWindow), nullptr);
+  LogLine(program.state, program.toolkit, "after the log");
+  EXPECT_NE(program.toolkit.Window(kMainWindow), nullptr);
+
+  program.toolkit.Window(kMainWindow)->close();
+  do {
+    message = program.toolkit.WMessageGet();
+  } while (message.type != kCloseRequest);
+  HandleMessage(program.shell, message);
+  EXPECT_TRUE(program.state.exitRequested);
+  EXPECT_TRUE(program.toolkit.Window(kMainWindow)->isVisible());  // until the way down
 }
 
 }  // namespace
