@@ -35,10 +35,11 @@ bool Play(QtToolkit& toolkit, const std::string& line) {
   std::istringstream in(line);
   std::string command;
   in >> command;
-  if (command == "menu" || command == "key") {
+  if (command == "menu" || command == "key" || command == "button") {
     int value = 0;
     if (!(in >> value)) return false;
-    toolkit.Post({command == "menu" ? kMenuSelect : kKeyDown, value});
+    const int type = command == "menu" ? kMenuSelect : command == "key" ? kKeyDown : kPushButton;
+    toolkit.Post({type, value});
     return true;
   }
   if (command == "drag") {

@@ -4,6 +4,7 @@
 //
 //   menu ID                 choose a menu item
 //   key CODE                press a key (the message's key code)
+//   button ID               press a button of the dialog that is up
 //   drag X1 Y1 X2 Y2        button 1 down at X1, Y1 of the plot area and up at X2, Y2
 //   shot main|log FILE      save the main or the log window as it shows now (PNG)
 //   quit                    close the main window

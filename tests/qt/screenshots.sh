@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # kaldena on a virtual X display: opens a copy of the corundum example, refines it from the
-# Run menu and saves the main window (pattern, a zoomed region, halfwidths) and the log
-# window as PNG files into OUTDIR. Exit 77 (skipped) where no virtual display can run.
+# Run menu and saves as PNG files into OUTDIR the main window (pattern, a zoomed region,
+# halfwidths, a section of the Fourier map while its dialog is up) and the log window.
+# Exit 77 (skipped) where no virtual display can run.
 # Usage: screenshots.sh KALDENA EXAMPLE_DIR OUTDIR
 set -euo pipefail
 kaldena=$1 example=$2 out=$3
@@ -27,6 +28,10 @@ drag 600 80 760 300
 shot main $out/zoomed.png
 menu 40044
 shot main $out/halfwidths.png
+menu 40049
+menu 40052
+shot main $out/fourier_section.png
+button 2
 shot log $out/log_window.png
 quit
 SCRIPT
@@ -39,7 +44,7 @@ if ! KALDENA_SCRIPT="$work/script" timeout 240 \
 fi
 
 status=0
-for shot in empty main_window zoomed halfwidths log_window; do
+for shot in empty main_window zoomed halfwidths fourier_section log_window; do
   [ -s "$out/$shot.png" ] || { echo "missing $out/$shot.png"; status=1; }
 done
 [ -s corundum.sum ] || { echo "the refinement wrote no summary"; status=1; }
@@ -47,7 +52,7 @@ grep -q "BRAGG R-FACTOR" corundum.out || { echo "the list file has no refinement
 # A drawn plot compresses far worse than the empty window.
 if [ $status -eq 0 ]; then
   empty=$(stat -c %s "$out/empty.png")
-  for shot in main_window zoomed halfwidths; do
+  for shot in main_window zoomed halfwidths fourier_section; do
     size=$(stat -c %s "$out/$shot.png")
     [ "$size" -gt $((empty * 2)) ] || { echo "$shot.png shows no plot"; status=1; }
   done
