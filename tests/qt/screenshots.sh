@@ -24,6 +24,7 @@ cat > "$work/script" <<SCRIPT
 shot main $out/empty.png
 menu 40041
 shot main $out/main_window.png
+shot log $out/log_window.png
 drag 600 80 760 300
 shot main $out/zoomed.png
 menu 40044
@@ -32,7 +33,6 @@ menu 40049
 menu 40052
 shot main $out/fourier_section.png
 button 2
-shot log $out/log_window.png
 quit
 SCRIPT
 
