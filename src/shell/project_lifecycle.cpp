@@ -7,6 +7,7 @@
 #include "engine/run_engine.h"
 #include "engine/run_report.h"
 #include "shell/default_project.h"
+#include "shell/engine_job.h"
 #include "shell/preferences.h"
 #include "shell/shell_services.h"
 #include "store/record_catalogue.h"
@@ -339,7 +340,7 @@ int RunProject(ShellState& state, Toolkit& toolkit) {
   EngineRequest request;
   request.fileName = StrippedText(state.projectFileName);
   request.debug = state.debugMode != 0;
-  const EngineResult result = RunEngine(request, reporter);
+  const EngineResult result = RunEngineJob(state, toolkit, request);
   TellOutcome(result, reporter);
   if (result.status == 0) {
     if (state.plotMode > 2) state.plotMode = 1;
