@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "crystal/space_group.h"
 #include "engine/cell_metric.h"
 #include "engine/input_stages.h"
 #include "store/record_catalogue.h"
@@ -16,15 +17,26 @@ namespace {
 
 int CouplingCode(int code) { return code >= 0 && code <= 5 ? code : 0; }
 
-bool ReadAtom(InputRecords& in, Atom& atom) {
+// A blank or 0 site factor is the multiplicity factor of the site in the phase's group, told
+// in the list file; a hand-written line need not count the operators itself.
+int SiteFactor(const SpaceGroupInfo& group, const Atom& atom, float x, float y, float z,
+               ListFile& list) {
+  if (atom.siteFactor != 0) return std::max(atom.siteFactor, 1);
+  const int factor = std::max(SiteFactorOf(group, {x, y, z}), 1);
+  list.Line(FormatLine("(' Site factor of ',A4,' not given:',I4,' from the space group')",
+                       atom.label, factor));
+  return factor;
+}
+
+bool ReadAtom(InputRecords& in, const SpaceGroupInfo& group, Atom& atom) {
   float x = 0, y = 0, z = 0, occupation = 0, b = 0;
-  if (in.Required("XYZ ", " XYZ record missing", "(A4,6X,I4,5F9.0,4I3)", atom.label, atom.type,
-                  x, y, z, occupation, b, atom.siteFactor, atom.yCoupling, atom.zCoupling,
+  if (in.Required("XYZ ", " XYZ record missing", "(A4,6X,I4,5F9.0,4I3)", atom.label, atom.type, x,
+                  y, z, occupation, b, atom.siteFactor, atom.yCoupling, atom.zCoupling,
                   atom.bCoupling) != RecordRead::kOk) {
     return false;
   }
   atom.type = std::clamp(atom.type, 1, kMaxAtomTypes);
-  atom.siteFactor = std::max(atom.siteFactor, 1);
+  atom.siteFactor = SiteFactor(group, atom, x, y, z, in.List());
   atom.yCoupling = CouplingCode(atom.yCoupling);
   atom.zCoupling = CouplingCode(atom.zCoupling);
   atom.bCoupling = CouplingCode(atom.bCoupling);
@@ -45,16 +57,16 @@ void ReadThermal(InputRecords& in, Atom& atom) {
   if (in.Next("BISO", "(A4,6X,6F10.0)", label, values[0]) == RecordRead::kOk) {
     atom.values[kAtomB].value = values[0];
   }
-  if (in.Next("BETA", "(A4,6X,6F9.0)", label, values[0], values[1], values[2], values[3],
-              values[4], values[5]) == RecordRead::kOk) {
+  if (in.Next("BETA", "(A4,6X,6F9.0)", label, values[0], values[1], values[2], values[3], values[4],
+              values[5]) == RecordRead::kOk) {
     atom.anisotropic = true;
     for (int i = 0; i < 6; ++i) atom.values[kAtomBeta11 + i].value = values[i];
   }
 }
 
 // Six values of which the last three belong to the right side of a split profile.
-void ReadSides(InputRecords& in, std::string_view key, std::array<float, 3> absent,
-               Phase& phase, int leftSlot, int rightSlot) {
+void ReadSides(InputRecords& in, std::string_view key, std::array<float, 3> absent, Phase& phase,
+               int leftSlot, int rightSlot) {
   std::array<float, 6> v{absent[0], absent[1], absent[2], absent[0], absent[1], absent[2]};
   if (in.NextValues(key, "(6F10.0)", v) == RecordRead::kMissing) {
     v = {absent[0], absent[1], absent[2], absent[0], absent[1], absent[2]};
@@ -68,8 +80,8 @@ void ReadSides(InputRecords& in, std::string_view key, std::array<float, 3> abse
 bool ReadPhaseHead(InputRecords& in, Phase& phase, std::vector<std::string>& lines) {
   phase.title = FindText(in.Store(), "PHTI", "Untitled phase");
   std::array<float, 9> v{};
-  if (in.Required("PHNA", "PHNA record missing", "(I5,9F5.0)", phase.atoms, v[0], v[1], v[2],
-                  v[3], v[4], v[5], v[6], v[7], v[8]) != RecordRead::kOk) {
+  if (in.Required("PHNA", "PHNA record missing", "(I5,9F5.0)", phase.atoms, v[0], v[1], v[2], v[3],
+                  v[4], v[5], v[6], v[7], v[8]) != RecordRead::kOk) {
     return false;
   }
   for (int i = 0; i < 3; ++i) {
@@ -153,7 +165,7 @@ bool ReadPhases(InputRecords& in, EngineState& state, Reporter& reporter) {
     }
     for (int a = 0; a < phase.atoms; ++a) {
       Atom atom;
-      if (!ReadAtom(in, atom)) return false;
+      if (!ReadAtom(in, phase.group, atom)) return false;
       ReadThermal(in, atom);
       state.atoms.push_back(atom);
     }
