@@ -32,5 +32,5 @@ KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_fourier_f
 # CIF and raw data report of the refined corundum example.
 KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_cif_writer_test" > /dev/null
 
-# The pattern plot of the refined corundum example as SVG.
+# The drawing commands of the pattern plot of the refined corundum example.
 KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/shell_pattern_plot_test" > /dev/null
