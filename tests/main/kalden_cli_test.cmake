@@ -196,14 +196,16 @@ if(NOT out MATCHES "Data format 5 from the extension of three_points.xy"
   message(FATAL_ERROR "unexpected output of new --from-cif --data:\n${out}")
 endif()
 file(STRINGS ${from_cif}/two.rec phases REGEX "^PHNA")
-file(STRINGS ${from_cif}/two.rec records REGEX "^(TITL|PWDT|FRMT|ELAM|JOBT)")
+file(STRINGS ${from_cif}/two.rec records REGEX "^(TITL|PWDT|FRMT|ELAM|JOBT|XYZ )")
 list(LENGTH phases phase_count)
 if(NOT phase_count EQUAL 2
    OR NOT records MATCHES "TITL      Lanthanum hexaboride \\+ "
    OR NOT records MATCHES "PWDT      three_points.xy"
    OR NOT records MATCHES "FRMT          5"
    OR NOT records MATCHES "ELAM        0.709317  0.713543  0.500000"
-   OR NOT records MATCHES "JOBT          0    4    2   -1")
+   OR NOT records MATCHES "JOBT          0    4    2   -1"
+   # the second CIF's elements follow the first one's La and B
+   OR NOT records MATCHES "XYZ       Fe1      3 ")
   message(FATAL_ERROR "unexpected records of new --from-cif --data:\n${records}")
 endif()
 expect_run_in(${from_cif} 1 new commas.rec --from-cif ${lab6}
