@@ -35,10 +35,17 @@ struct LegendKey {
   std::string name;
 };
 
+// Keys run left to right and wrap to a further row at the frame's width.
 void DrawLegend(PlotLibrary& plot, const std::vector<LegendKey>& keys, float y) {
   constexpr float kStroke = 30.0f, kGap = 8.0f, kCharWidth = 9.5f, kKeyGap = 25.0f;
+  constexpr float kRowHeight = 20.0f;
   float x = 0;
   for (const LegendKey& key : keys) {
+    const float width = kStroke + kGap + kCharWidth * static_cast<float>(key.name.size());
+    if (x > 0 && x + width > kFrameWidth) {
+      x = 0;
+      y -= kRowHeight;
+    }
     plot.PlotPen(key.pen, 1, key.colour);
     if (key.tick) {
       plot.PlotVector(x + kStroke / 2, y + 8, 16, -90);
@@ -48,8 +55,14 @@ void DrawLegend(PlotLibrary& plot, const std::vector<LegendKey>& keys, float y) 
     }
     plot.PlotPen(1, 1, 0);
     plot.PlotText(x + kStroke + kGap, y, key.name, 13, 0, 4);
-    x += kStroke + kGap + kCharWidth * static_cast<float>(key.name.size()) + kKeyGap;
+    x += width + kKeyGap;
   }
+}
+
+// A phase's name, or its number when the project gives none.
+std::string PhaseName(const PlotData& data, int p) {
+  return p < static_cast<int>(data.phaseTitles.size()) ? data.phaseTitles[p]
+                                                       : "phase " + std::to_string(p + 1);
 }
 
 std::vector<LegendKey> LegendKeys(const PlotData& data, const PlotView& view) {
@@ -60,12 +73,15 @@ std::vector<LegendKey> LegendKeys(const PlotData& data, const PlotView& view) {
   if (content & kShowSum) keys.push_back({c.sum, 1, false, "calculated"});
   if (content & kShowBackground) keys.push_back({c.background, 2, false, "background"});
   if (content & kShowDifference) keys.push_back({c.difference, 1, false, "difference"});
+  if (data.phases > 1) {
+    for (int p = 0; p < data.phases && p < kMaxPhases; ++p) {
+      if (view.phaseShown[p])
+        keys.push_back({c.phases[p], (2 * (p + 1)) / 6 + 1, false, PhaseName(data, p)});
+    }
+  }
   if ((content & kShowBragg) && !data.braggPositions.empty()) {
     for (int p = 0; p < data.phaseRows; ++p) {
-      const bool named = p < static_cast<int>(data.phaseTitles.size());
-      keys.push_back({c.bragg, 1, true,
-                      "row " + std::to_string(p + 1) + ": " +
-                          (named ? data.phaseTitles[p] : "phase " + std::to_string(p + 1))});
+      keys.push_back({c.bragg, 1, true, "ticks: " + PhaseName(data, p)});
     }
   }
   return keys;
@@ -251,7 +267,7 @@ void DrawPatternPlot(PlotLibrary& plot, const PlotData& data, PlotView& view,
   const std::string_view title = Trimmed(data.title);
   const bool titled = !title.empty() && title != "UNTITLED";
   plot.PlotText(w / 2, h + kLineSpacing, titled ? title : Trimmed(baseName), 18, 0, 2);
-  DrawLegend(plot, LegendKeys(data, view), -(h / 3 + 6.5f * kLineSpacing));
+  DrawLegend(plot, LegendKeys(data, view), -(h / 3 + 5.5f * kLineSpacing));
   plot.PlotPen(1, 1, colour.frame);
   std::string date(dateText);
   date.resize(18, ' ');

@@ -202,7 +202,7 @@ TEST_F(RefinedCorundum, PlotFilesCarryTitleAndLegend) {
     if (justification == 6) highestNumber = std::min(highestNumber, y - height / 2);
   }
   for (const char* expected : {"Corundum, Al2O3, Cu K-alpha", "observed", "calculated",
-                               "background", "difference", "row 1: Corundum", "Counts"}) {
+                               "background", "difference", "ticks: Corundum", "Counts"}) {
     EXPECT_NE(std::find(texts.begin(), texts.end(), expected), texts.end()) << expected;
   }
   // The label lies above the highest number (device y grows downwards).
