@@ -101,8 +101,7 @@ bool ImportOne(const std::string& project, const std::string& cif, bool addToExi
   ShellState state;
   state.newProjectMode = 2;
   bool imported = false;
-  state.hooks.importCif = [&](ShellState& s, Toolkit& t, const std::string& name,
-                              NewPhase& phase) {
+  state.hooks.importCif = [&](ShellState& s, Toolkit& t, const std::string& name, NewPhase& phase) {
     imported = ImportCifPhase(s, t, name, phase);
     return imported;
   };
@@ -129,7 +128,8 @@ int SetUpData(const FromCifArguments& a) {
   if (setup.format == 0) {
     setup.format = FormatOfExtension(a.data);
     if (setup.format == 0) {
-      std::cerr << "The format of " << a.data << " is not known by its extension: give --format N\n";
+      std::cerr << "The format of " << a.data
+                << " is not known by its extension: give --format N\n";
       return 1;
     }
     std::cout << "Data format " << setup.format << " from the extension of " << a.data

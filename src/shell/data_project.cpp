@@ -76,7 +76,8 @@ std::vector<std::array<float, 6>> Cells(RecordStore& store) {
 // 2 theta of the largest spacing that a cell can give: its longest edge.
 double FirstPeakBound(const std::vector<std::array<float, 6>>& cells, float wavelength) {
   double longest = 0;
-  for (const auto& c : cells) longest = std::max({longest, double{c[0]}, double{c[1]}, double{c[2]}});
+  for (const auto& c : cells)
+    longest = std::max({longest, double{c[0]}, double{c[1]}, double{c[2]}});
   const double sine = wavelength / (2 * longest);
   if (!(longest > 0) || sine >= 1) return 0;
   return 2 * std::asin(sine) * 180 / std::numbers::pi;
@@ -121,7 +122,11 @@ std::array<float, 6> CellCodes(int laueClass, int uniqueAxis, int group) {
     case LaueClass::kTriclinic:
       return {1, 1, 1, 1, 1, 1};
     case LaueClass::kMonoclinic:
-      return {1, 1, 1, uniqueAxis == 1 ? 1.0f : 0, uniqueAxis == 2 ? 1.0f : 0,
+      return {1,
+              1,
+              1,
+              uniqueAxis == 1 ? 1.0f : 0,
+              uniqueAxis == 2 ? 1.0f : 0,
               uniqueAxis == 3 ? 1.0f : 0};
     case LaueClass::kOrthorhombic:
       return {1, 1, 1, 0, 0, 0};
@@ -270,8 +275,9 @@ std::vector<std::string> NextRefinementSteps(const std::string& recFile) {
   }
   add("the sample displacement beside the zero point",
       MakeRecord("CZET", "(3f10.3)", 1.0f, 1.0f, 0.0f));
-  steps.push_back("the atoms' B (fifth field of each CXYZ line), then the coordinates that "
-                  "their sites leave free (first three fields)");
+  steps.push_back(
+      "the atoms' B (fifth field of each CXYZ line), then the coordinates that "
+      "their sites leave free (first three fields)");
   return steps;
 }
 

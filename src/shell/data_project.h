@@ -32,7 +32,7 @@ struct DataSetup {
   std::string dataFile;
   int format = 0;
   Radiation radiation;
-  std::string title;                      // TITL
+  std::string title;                     // TITL
   std::vector<std::string> phaseTitles;  // PHTI, one a phase
 };
 
