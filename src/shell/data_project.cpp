@@ -1,6 +1,7 @@
 #include "shell/data_project.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <filesystem>
 #include <numbers>
@@ -105,6 +106,16 @@ std::vector<Record> AtomTypeLines(RecordStore& store, float wavelength) {
   return lines;
 }
 
+// PHTI lines with the last phases titled by `titles`; earlier phases keep theirs.
+std::vector<Record> PhaseTitles(RecordStore& store, const std::vector<std::string>& titles) {
+  std::vector<Record> lines;
+  const std::vector<std::string> present = FindRecords(store, "PHTI");
+  const std::size_t kept = present.size() - std::min(present.size(), titles.size());
+  for (std::size_t p = 0; p < kept; ++p) lines.push_back(TextRecord("PHTI", Trimmed(present[p])));
+  for (const std::string& title : titles) lines.push_back(TextRecord("PHTI", title));
+  return lines;
+}
+
 bool Replace(RecordStore& store, const std::string& file, const std::vector<Record>& lines) {
   if (lines.empty()) return true;
   if (store.jUpdateRec(file, lines) > 0) return true;
@@ -204,6 +215,7 @@ bool SetUpRefinement(const std::string& recFile, const DataSetup& setup, Reporte
   std::vector<std::string> listLines;
   const RecordRead jobRead = ReadJobControls(store, job, listLines);
   const std::vector<std::array<float, 6>> cells = Cells(store);
+  const std::vector<Record> titles = PhaseTitles(store, setup.phaseTitles);
   const float wavelength = setup.radiation.wavelengths[0];
   const std::vector<Record> types =
       setup.radiation.neutron ? std::vector<Record>{} : AtomTypeLines(store, wavelength);
@@ -239,8 +251,6 @@ bool SetUpRefinement(const std::string& recFile, const DataSetup& setup, Reporte
   for (const std::vector<Record>& lines : groups) {
     if (!Replace(writer, recFile, lines)) return false;
   }
-  std::vector<Record> titles;
-  for (const std::string& title : setup.phaseTitles) titles.push_back(TextRecord("PHTI", title));
   return Replace(writer, recFile, titles);
 }
 

@@ -208,6 +208,12 @@ if(NOT phase_count EQUAL 2
    OR NOT records MATCHES "XYZ       Fe1      3 ")
   message(FATAL_ERROR "unexpected records of new --from-cif --data:\n${records}")
 endif()
+# A further phase from a CIF into the project: the phases there keep their titles.
+expect_run_in(${from_cif} 0 new two.rec --use-existing --from-cif ${lab6} --data three_points.xy)
+file(STRINGS ${from_cif}/two.rec titles REGEX "^PHTI")
+if(NOT titles MATCHES "^PHTI      Lanthanum hexaboride *;PHTI      quartz_like *;PHTI      Lanthanum")
+  message(FATAL_ERROR "the phases' titles were not kept:\n${titles}")
+endif()
 expect_run_in(${from_cif} 1 new commas.rec --from-cif ${lab6}
               --data ${DATA}/engine/bad_patterns/decimal_commas.xy)
 if(NOT out MATCHES "Angles do not rise at line 3 of [^\n]*decimal_commas.xy")
