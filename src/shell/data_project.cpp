@@ -77,8 +77,9 @@ std::vector<std::array<float, 6>> Cells(RecordStore& store) {
 // 2 theta of the largest spacing that a cell can give: its longest edge.
 double FirstPeakBound(const std::vector<std::array<float, 6>>& cells, float wavelength) {
   double longest = 0;
-  for (const auto& c : cells)
+  for (const auto& c : cells) {
     longest = std::max({longest, double{c[0]}, double{c[1]}, double{c[2]}});
+  }
   const double sine = wavelength / (2 * longest);
   if (!(longest > 0) || sine >= 1) return 0;
   return 2 * std::asin(sine) * 180 / std::numbers::pi;
@@ -92,14 +93,15 @@ float BackgroundLevel(std::vector<float> intensities) {
   return *at;
 }
 
-// ANOM lines of the project's atom types with the table's f' and f'' at `wavelength`.
+// ANOM lines of the project's atom types with the table's f' and f'' at `wavelength`; none
+// when a type comes from the user's own table, so that the lines stand as they are.
 std::vector<Record> AtomTypeLines(RecordStore& store, float wavelength) {
   std::vector<Record> lines;
   for (const std::string& data : FindRecords(store, "ANOM")) {
     std::string symbol = data.substr(0, 2);
     symbol.resize(2, ' ');
     const int z = ElementNumber(symbol);
-    if (z == 0) return {};  // a type of the user's own table stays as it is
+    if (z == 0) return {};
     const ScatteringData table = GetScatteringData(wavelength, z);
     lines.push_back(MakeRecord("ANOM", "(a2,8x,2f10.5)", symbol, table[9], table[10]));
   }
