@@ -32,5 +32,9 @@ KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_fourier_f
 # CIF and raw data report of the refined corundum example.
 KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/tools_cif_writer_test" > /dev/null
 
-# The pattern plot of the refined corundum example as SVG.
+# The drawing commands of the pattern plot of the refined corundum example.
 KALDENA_UPDATE_GOLDEN=1 KALDENA_TEST_DATA=tests/data "$build/bin/shell_pattern_plot_test" > /dev/null
+
+# The refined parameter files of the first-run examples.
+cmake -DKALDEN="$PWD/$kalden" -DEXAMPLES=examples -DDATA=tests/data -DWORK="$build/examples" \
+  -DUPDATE=1 -P tests/main/examples_test.cmake

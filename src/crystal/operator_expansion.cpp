@@ -1,5 +1,6 @@
 // Operators from generator words: a test point whose coordinates encode the operation is
 // mapped through every generator, and each image is decoded back into an operator.
+#include <algorithm>
 #include <cmath>
 
 #include "crystal/space_group.h"
@@ -270,6 +271,15 @@ ExpandStatus SitePosition(const SpaceGroupInfo& info, std::array<float, 3>& posi
                    {" THERE ARE UNRESOLVABLE PROBLEMS WITH THE", " POSITION SET",
                     " ATTEMPTS TO DEFINE THE TRUE SITE SYMMETRY", " WERE ABANDONED."});
   return ExpandStatus::kUnresolvable;
+}
+
+int SiteFactorOf(const SpaceGroupInfo& info, std::array<float, 3> position) {
+  SiteSymmetry site;
+  std::vector<std::string> ignored;
+  const ExpandStatus status = SitePosition(info, position, site, ignored);
+  if (status != ExpandStatus::kOk && status != ExpandStatus::kPositionMoved) return 0;
+  if (!(site.multiplicityFactor > 0.0f)) return 0;
+  return std::max(1, static_cast<int>(std::lround(1.0f / site.multiplicityFactor)));
 }
 
 }  // namespace kaldena

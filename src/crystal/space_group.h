@@ -117,6 +117,10 @@ struct SiteSymmetry {
 ExpandStatus SitePosition(const SpaceGroupInfo& info, std::array<float, 3>& position,
                           SiteSymmetry& site, std::vector<std::string>& listLines);
 
+// The site factor of a position: the number of operators that map it onto itself, group order
+// over orbit size. 0 when the site is not found. The position stands as given.
+int SiteFactorOf(const SpaceGroupInfo& info, std::array<float, 3> position);
+
 // An operator as text: "x,y,z", "-x,y+1/2,-z+1/2", "x-y,x,z+1/6".
 std::string OperatorText(const SymmetryOperator& op);
 

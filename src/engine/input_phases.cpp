@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "crystal/space_group.h"
 #include "engine/cell_metric.h"
 #include "engine/input_stages.h"
 #include "store/record_catalogue.h"
@@ -16,7 +17,18 @@ namespace {
 
 int CouplingCode(int code) { return code >= 0 && code <= 5 ? code : 0; }
 
-bool ReadAtom(InputRecords& in, Atom& atom) {
+// A blank or 0 site factor is the multiplicity factor of the site in the phase's group, told
+// in the list file; a hand-written line need not count the operators itself.
+int SiteFactor(const SpaceGroupInfo& group, const Atom& atom, float x, float y, float z,
+               ListFile& list) {
+  if (atom.siteFactor != 0) return std::max(atom.siteFactor, 1);
+  const int factor = std::max(SiteFactorOf(group, {x, y, z}), 1);
+  list.Line(FormatLine("(' Site factor of ',A4,' not given:',I4,' from the space group')",
+                       atom.label, factor));
+  return factor;
+}
+
+bool ReadAtom(InputRecords& in, const SpaceGroupInfo& group, Atom& atom) {
   float x = 0, y = 0, z = 0, occupation = 0, b = 0;
   if (in.Required("XYZ ", " XYZ record missing", "(A4,6X,I4,5F9.0,4I3)", atom.label, atom.type,
                   x, y, z, occupation, b, atom.siteFactor, atom.yCoupling, atom.zCoupling,
@@ -24,7 +36,7 @@ bool ReadAtom(InputRecords& in, Atom& atom) {
     return false;
   }
   atom.type = std::clamp(atom.type, 1, kMaxAtomTypes);
-  atom.siteFactor = std::max(atom.siteFactor, 1);
+  atom.siteFactor = SiteFactor(group, atom, x, y, z, in.List());
   atom.yCoupling = CouplingCode(atom.yCoupling);
   atom.zCoupling = CouplingCode(atom.zCoupling);
   atom.bCoupling = CouplingCode(atom.bCoupling);
@@ -153,7 +165,7 @@ bool ReadPhases(InputRecords& in, EngineState& state, Reporter& reporter) {
     }
     for (int a = 0; a < phase.atoms; ++a) {
       Atom atom;
-      if (!ReadAtom(in, atom)) return false;
+      if (!ReadAtom(in, phase.group, atom)) return false;
       ReadThermal(in, atom);
       state.atoms.push_back(atom);
     }

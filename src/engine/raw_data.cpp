@@ -63,7 +63,7 @@ bool ReadFile(const Family& family, const std::string& path, std::string_view op
               const raw::ReadContext& context, Series& series) {
   raw::LineReader file{std::string(Trimmed(path))};
   if (!file.IsOpen()) {
-    context.reporter.ShowMessage("Error", openText);
+    context.reporter.ShowMessage("Error", std::string(openText) + ": " + path);
     return false;
   }
   return family.read(file, context, series);
@@ -179,7 +179,8 @@ RawPattern ReadPattern(const RawDataRequest& request, int& weighting, ListFile& 
   const Family& family = kFamilies[request.format - 1];
   Series data;
   if (!ReadFile(family, request.dataFile, family.openData, {FileRole::kData, list, reporter},
-                data)) {
+                data) ||
+      !raw::CheckScan(data, {FileRole::kData, list, reporter}, request.dataFile)) {
     return {};
   }
   RawPattern pattern = MakePattern(data, list);

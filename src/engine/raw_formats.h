@@ -24,6 +24,7 @@ struct Series {
   std::vector<float> values;      // intensities, background or variances by the file's role
   std::vector<float> deviations;  // standard deviations, for the files that give them
   std::vector<float> angles;      // two-theta of each value, for the formats that list it
+  std::vector<int> angleLines;    // the file's line of each angle, where a line holds one
   float automaticSlit = 0;        // the file's own automatic divergence value
 };
 
@@ -76,6 +77,11 @@ bool AppendFixedFields(std::string_view line, int fields, int width, std::vector
 
 // (last - first) / (count - 1), and 0 for fewer than two points.
 float StepBetween(float first, float last, std::size_t count);
+
+// A data file's scan before it is refined: a step above 0, angles that rise and keep within
+// half a step of the even grid, intensities not all 0. False, with a list-file line naming
+// `file` and its first bad line, when it fails.
+bool CheckScan(const Series& series, const ReadContext& context, const std::string& file);
 
 // One reader per family; each returns false after telling why, and true only with values.
 bool ReadGdf(LineReader& file, const ReadContext& context, Series& series);

@@ -114,6 +114,7 @@ bool ReadUxdRows(LineReader& file, const ReadContext& context, Series& series) {
     float row[2];
     if (ReadNumberList(line, row) != 2) return false;
     series.angles.push_back(row[0]);
+    series.angleLines.push_back(file.LineNumber());
     series.values.push_back(row[1]);
   }
   return !series.values.empty();

@@ -103,6 +103,7 @@ bool ReadColumns(LineReader& file, const ReadContext& context, std::string_view 
       return context.LineError(family, file.LineNumber());
     }
     series.angles.push_back(row[0]);
+    series.angleLines.push_back(file.LineNumber());
     series.values.push_back(row[1]);
     if (columns == 3) series.deviations.push_back(row[2]);
   }

@@ -118,12 +118,17 @@ constexpr Command kCommands[] = {
      "result into BASE.dis; with --atom N, peak N becomes the last atom of phase 1 and the "
      "atoms of later phases move on",
      kaldena::AddPeaksCommand},
-    {"new", "kalden new PROJECT.rec [--use-existing] [--from-cif FILE.cif]",
-     "a project from defaults or from a CIF",
+    {"new",
+     "kalden new PROJECT.rec [--use-existing] [--from-cif FILE.cif]... [--data PATTERN "
+     "[--format N] [--radiation CuKa1|CuKa|CoKa|MoKa|neutron:W | --wavelength W1 [W2 RATIO]]]",
+     "a project from defaults or from CIFs and a pattern",
      "create a project from defaults (one phase \"H\" in P 1, the edit dialogs' default "
-     "records), or with the phase of a CIF, that runs at once as an X-ray pattern "
+     "records), or with the phases of CIFs, that runs at once as an X-ray pattern "
      "calculation; an existing file is left alone unless --use-existing, which adds the new "
-     "phase behind what is there",
+     "phases behind what is there. With --data the project refines that pattern at once "
+     "(format from the extension unless --format, Cu K alpha 1 and 2 unless --radiation or "
+     "--wavelength; scale, background and zero point switched on) and the next steps of the "
+     "refinement are printed",
      kaldena::NewCommand},
     {"backup", "kalden backup PROJECT", "working copy to BASE.bck",
      "copy the project's parameter file (PWPR, or BASE.par) to BASE.bck beside the project, "

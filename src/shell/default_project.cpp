@@ -106,6 +106,23 @@ Record AtomTypeLine(std::string_view atomName) {
   return Line("ANOM", "(a2,8x,2f10.5)", symbol, data[9], data[10]);
 }
 
+// A CIF numbers its atom types from 1 by element; in a project that has types already, an
+// element takes the number of its ANOM line, and new elements follow the lines there.
+NewPhase WithProjectTypes(const NewPhase& phase, const std::vector<Record>& typeLines) {
+  if (!phase.fromCif || typeLines.empty()) return phase;
+  std::vector<std::string> symbols;
+  for (const Record& line : typeLines) symbols.push_back(line.substr(10, 2));
+  NewPhase placed = phase;
+  for (NewAtom& atom : placed.atoms) {
+    std::string symbol = atom.element.substr(0, 2);
+    symbol.resize(2, ' ');
+    auto found = std::find(symbols.begin(), symbols.end(), symbol);
+    if (found == symbols.end()) found = symbols.insert(symbols.end(), symbol);
+    atom.type = static_cast<int>(found - symbols.begin()) + 1;
+  }
+  return placed;
+}
+
 int FirstInteger(std::string_view data) {
   int value = 0;
   if (Read(data, "(I5)", value) != ReadStatus::kOk) return 0;
@@ -169,7 +186,7 @@ std::vector<Record> PhaseBlock(const NewPhase& phase) {
 }
 
 bool AddNewProjectRecords(const std::string& parameterFile, const std::string& baseName,
-                          const NewPhase& phase, Reporter& reporter) {
+                          const NewPhase& newPhase, Reporter& reporter) {
   // The lines as they stand, by key, to be written back unchanged.
   std::vector<Record> existing;
   {
@@ -192,6 +209,8 @@ bool AddNewProjectRecords(const std::string& parameterFile, const std::string& b
     }
     return lines;
   };
+
+  const NewPhase phase = WithProjectTypes(newPhase, linesOf("ANOM"));
 
   // Counts of what is there: phases, their atoms, atom types.
   RecordStore store(reporter);

@@ -5,6 +5,8 @@
 #include <fstream>
 
 #include "shell/project_lifecycle.h"
+#include "store/job_records.h"
+#include "store/record_catalogue.h"
 #include "store/record_store.h"
 #include "util/column_format.h"
 #include "util/limits.h"
@@ -78,6 +80,8 @@ SummaryStatus ReadPlotData(const SummarySources& sources, PlotData& data, Report
     }
     residuals = r;
   }
+  const std::string title = ReadTitle(store);
+  const std::vector<std::string> phaseTitles = FindRecords(store, "PHTI");
   store.jCloseRec();
 
   std::ifstream in(sources.summaryFile, std::ios::binary);
@@ -111,6 +115,8 @@ SummaryStatus ReadPlotData(const SummarySources& sources, PlotData& data, Report
                                                 read.meanStep, read.PointCount()));
   }
   read.residuals = residuals;
+  read.title = title;
+  for (const std::string& phase : phaseTitles) read.phaseTitles.emplace_back(Trimmed(phase));
   ReadBraggPositions(sources.fourierFile, read);
   read.allocated = true;
   data = std::move(read);

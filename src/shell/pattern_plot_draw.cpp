@@ -15,12 +15,76 @@ namespace {
 constexpr float kFrameWidth = 850.0f, kFrameHeight = 650.0f;
 constexpr float kFrameX = 100.0f, kFrameY = 300.0f;
 constexpr float kLineSpacing = 15.0f;
+// Room between the difference curve and the edges of its band.
+constexpr float kBandMargin = 5.0f;
 
 float Lowest(std::span<const float> v) {
   return v.empty() ? 0.0f : *std::min_element(v.begin(), v.end());
 }
 float Highest(std::span<const float> v) {
   return v.empty() ? 0.0f : *std::max_element(v.begin(), v.end());
+}
+float Largest(std::span<const float> v) { return std::max(Highest(v), -Lowest(v)); }
+
+// Keys of the legend in the row under the x axis: a stroke of the curve's colour and pen,
+// or a tick for a row of reflections, then the name.
+struct LegendKey {
+  int colour;
+  int pen;
+  bool tick;
+  std::string name;
+};
+
+// Keys run left to right and wrap to a further row at the frame's width.
+void DrawLegend(PlotLibrary& plot, const std::vector<LegendKey>& keys, float y) {
+  constexpr float kStroke = 30.0f, kGap = 8.0f, kCharWidth = 9.5f, kKeyGap = 25.0f;
+  constexpr float kRowHeight = 20.0f;
+  float x = 0;
+  for (const LegendKey& key : keys) {
+    const float width = kStroke + kGap + kCharWidth * static_cast<float>(key.name.size());
+    if (x > 0 && x + width > kFrameWidth) {
+      x = 0;
+      y -= kRowHeight;
+    }
+    plot.PlotPen(key.pen, 1, key.colour);
+    if (key.tick) {
+      plot.PlotVector(x + kStroke / 2, y + 8, 16, -90);
+    } else {
+      plot.PlotMove(x, y);
+      plot.PlotDraw(x + kStroke, y);
+    }
+    plot.PlotPen(1, 1, 0);
+    plot.PlotText(x + kStroke + kGap, y, key.name, 13, 0, 4);
+    x += width + kKeyGap;
+  }
+}
+
+// A phase's name, or its number when the project gives none.
+std::string PhaseName(const PlotData& data, int p) {
+  return p < static_cast<int>(data.phaseTitles.size()) ? data.phaseTitles[p]
+                                                       : "phase " + std::to_string(p + 1);
+}
+
+std::vector<LegendKey> LegendKeys(const PlotData& data, const PlotView& view) {
+  const PlotColours& c = view.colours;
+  const int content = view.content;
+  std::vector<LegendKey> keys;
+  if (content & kShowRaw) keys.push_back({c.raw, 1, false, "observed"});
+  if (content & kShowSum) keys.push_back({c.sum, 1, false, "calculated"});
+  if (content & kShowBackground) keys.push_back({c.background, 2, false, "background"});
+  if (content & kShowDifference) keys.push_back({c.difference, 1, false, "difference"});
+  if (data.phases > 1) {
+    for (int p = 0; p < data.phases && p < kMaxPhases; ++p) {
+      if (view.phaseShown[p])
+        keys.push_back({c.phases[p], (2 * (p + 1)) / 6 + 1, false, PhaseName(data, p)});
+    }
+  }
+  if ((content & kShowBragg) && !data.braggPositions.empty()) {
+    for (int p = 0; p < data.phaseRows; ++p) {
+      keys.push_back({c.bragg, 1, true, "ticks: " + PhaseName(data, p)});
+    }
+  }
+  return keys;
 }
 
 }  // namespace
@@ -42,9 +106,9 @@ bool PatternScales(const PlotData& data, float xLow, float xHigh, AxisScale& x, 
   }
   if (tt.size() < 2) return false;
   y = AutoScale(obs, height);
-  x = AutoScale(tt, width);
-  x.lower = std::floor(x.lower + 0.001f);
-  x.upper = std::floor(x.upper + 0.999f);
+  // The x axis spans the whole degrees around the points, not a rounding that reaches 0.
+  x.lower = std::floor(Lowest(tt) + 0.001f);
+  x.upper = std::floor(Highest(tt) + 0.999f);
   if (x.upper <= x.lower) x.upper = x.lower + 1;
   x.factor = (x.upper - x.lower) / width;
   // The background may run below the observed values: lower y by decades until it shows.
@@ -154,14 +218,18 @@ void DrawPatternPlot(PlotLibrary& plot, const PlotData& data, PlotView& view,
     plot.PlotLine(tt, calc, xs, ys);
   }
   if (content & kShowDifference) {
-    // The difference hangs a sixth of the frame below the origin, on the same y scale.
+    // The difference hangs a sixth of the frame below the origin, on the y scale of the
+    // pattern unless that would take it out of its band: then on a smaller one.
     AxisScale shifted = ys;
-    shifted.lower = h / 6 * ys.factor;
+    shifted.factor = std::max(ys.factor, Largest(diff) / (h / 6 - kBandMargin));
+    shifted.lower = h / 6 * shifted.factor;
+    plot.PlotClip(0, -h / 3, w, h / 3);
     plot.PlotPen(1, 1, colour.difference);
     plot.PlotLine(tt, diff, xs, shifted);
     plot.PlotPen(1, 1, colour.frame);
     plot.PlotMove(0, -h / 6);
     plot.PlotDraw(w, -h / 6);
+    plot.PlotClip(0, -h / 3, w, h + h / 3);
   }
   if (content & kShowBackground) {
     plot.PlotPen(2, 1, colour.background);
@@ -194,8 +262,13 @@ void DrawPatternPlot(PlotLibrary& plot, const PlotData& data, PlotView& view,
     }
   }
 
+  // The project's title over the frame, the legend under the x axis: neither on the curves.
   plot.PlotPen(1, 1, colour.frame);
-  plot.PlotText(w - kLineSpacing, h - kLineSpacing, Trimmed(baseName), 18, 0, 9);
+  const std::string_view title = Trimmed(data.title);
+  const bool titled = !title.empty() && title != "UNTITLED";
+  plot.PlotText(w / 2, h + kLineSpacing, titled ? title : Trimmed(baseName), 18, 0, 2);
+  DrawLegend(plot, LegendKeys(data, view), -(h / 3 + 5.5f * kLineSpacing));
+  plot.PlotPen(1, 1, colour.frame);
   std::string date(dateText);
   date.resize(18, ' ');
   const float dateY = -(10 * kLineSpacing + h / 3);

@@ -201,8 +201,9 @@ void PlotLibrary::PlotAxis(float x, float y, std::string_view label, float lengt
     }
   }
   if (vertical) {
-    at(length / 2, tick + 4.3f * h, qx, qy);
-    PlotText(qx, qy, label, h, 90.0f, 2);
+    // Over the axis's end, level, so that numbers of any width leave it clear.
+    at(length + 0.7f * h, 0, qx, qy);
+    PlotText(qx, qy, label, h, 0.0f, 2);
   } else {
     at(length / 2, tick + 2.5f * h, qx, qy);
     PlotText(qx, qy, label, h, 0.0f, 8);

@@ -56,8 +56,8 @@ class PlotLibrary {
   void PlotTextFont(float x, float y, std::string_view text, int justification, int field);
   void PlotRect(float x, float y, float width, float height, float angle);
   // An axis of `length` from (x, y) along 0 or 90 degrees with ticks and numbers from the
-  // scale and the label beside it; numbers and label lie below a horizontal axis and left of
-  // a vertical one.
+  // scale and the label beside it; numbers and label lie below a horizontal axis, numbers left
+  // of a vertical one and its label over its end.
   void PlotAxis(float x, float y, std::string_view label, float length, float angle,
                 const AxisScale& scale);
   // Lines are cut to the rectangle until PlotUnclip.

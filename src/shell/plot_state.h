@@ -31,6 +31,8 @@ struct PlotData {
   int phaseRows = 1;
   float start = 0.0f, end = 0.0f, meanStep = 0.0f;
   ResidualValues residuals;
+  std::string title;                     // TITL of the parameter file
+  std::vector<std::string> phaseTitles;  // PHTI, one a phase
 
   int PointCount() const { return static_cast<int>(twoTheta.size()); }
 };

@@ -205,5 +205,24 @@ TEST(InputStage, PhaseDefaultsAndAtomRules) {
   EXPECT_FLOAT_EQ(v[kRightHalfwidthU + 2].value, 0.0f);
 }
 
+// A blank or zero site factor is the site's multiplicity factor in the space group (corundum,
+// R -3 C: Al on 12c has 3, O on 18e 2), told in the list file; a written one stands.
+TEST(InputStage, BlankSiteFactorsComeFromTheSpaceGroup) {
+  std::string text = Project("calculation");
+  text = Replace(text, "0.31000  3  0  0  0", "0.31000     0  0  0");
+  text = Replace(text, "0.33000  2  0  0  0", "0.33000  0  0  0  0");
+  InputRun run(text);
+  ASSERT_EQ(run.status, InputStatus::kOk) << run.ListText();
+  EXPECT_EQ(run.state.atoms[0].siteFactor, 3);
+  EXPECT_EQ(run.state.atoms[1].siteFactor, 2);
+  EXPECT_FLOAT_EQ(run.state.atoms[0].values[kAtomOccupation].value, 1.0f / 3.0f);
+  EXPECT_TRUE(run.Listed(" Site factor of Al   not given:   3 from the space group"));
+  EXPECT_TRUE(run.Listed(" Site factor of O    not given:   2 from the space group"));
+
+  InputRun written(Replace(Project("calculation"), "0.31000  3", "0.31000  1"));
+  ASSERT_EQ(written.status, InputStatus::kOk);
+  EXPECT_EQ(written.state.atoms[0].siteFactor, 1);
+}
+
 }  // namespace
 }  // namespace kaldena

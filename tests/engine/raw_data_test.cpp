@@ -93,12 +93,15 @@ TEST(RawData, OpenFailuresNameTheFormatAndTheFile) {
     const std::string raw = f.opening == "*.xy/*.txt" ? "*.xy/*txt" : f.opening;
     const Outcome noData = ReadWith(Request(f.format, missing));
     EXPECT_EQ(noData.pattern.points, 0);
-    EXPECT_EQ(noData.said, "Error: Error opening " + raw + " raw data file");
+    // The box names the file it tried.
+    const std::string tried = ": " + missing.string();
+    EXPECT_EQ(noData.said, "Error: Error opening " + raw + " raw data file" + tried);
     EXPECT_EQ(Said(Request(f.format, sample, missing)),
-              "Error: Error opening " + f.opening + " background file");
+              "Error: Error opening " + f.opening + " background file" + tried);
     const Outcome noWeights = ReadWith(Request(f.format, sample, {}, missing));
-    EXPECT_EQ(noWeights.said, f.takesWeights ? "Error: Error opening " + f.opening + " weights file"
-                                             : " Weights file not used with this raw data format");
+    EXPECT_EQ(noWeights.said, f.takesWeights
+                                  ? "Error: Error opening " + f.opening + " weights file" + tried
+                                  : " Weights file not used with this raw data format");
   }
   for (int format : {0, 10}) {
     RawDataRequest request = Request(kXy, dir.Write("a.xy", "10 1\n"));
@@ -219,6 +222,38 @@ TEST(RawData, ColumnFilesSayWhichLineFailed) {
             " Error reading epf data file, line 2");
   EXPECT_EQ(Said(Request(kTxt, dir.Write("e.txt", "# nothing\n"))),
             " No data points in xy/txt data file");
+}
+
+// A scan that does not rise, leaves its grid or holds no counts fails on reading, with the
+// file and its first bad line, rather than being refined as something else.
+TEST(RawData, BadScansFailWithFileAndLine) {
+  const fs::path corpus = testing::TestData("engine/bad_patterns");
+  const struct {
+    const char* file;
+    const char* said;
+  } cases[] = {
+      {"decimal_commas.xy", " Angles do not rise at line 3 of {}:     5.00000 after     5.00000"},
+      {"descending.xy", " Angles do not rise at line 4 of {}:    10.02000 after    10.04000"},
+      {"swapped_columns.xy", " Angles do not rise at line 3 of {}:   128.00000 after   131.00000"},
+      {"off_grid.xy",
+       " Angle at line 11 of {} lies   0.01500 degrees off the even grid of step"
+       "   0.02000: the scan is not one of even steps"},
+      {"no_intensities.xy", " No intensities in {}: every value is 0"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.file);
+    const std::string path = (corpus / c.file).string();
+    const Outcome outcome = ReadWith(Request(kXy, path));
+    EXPECT_EQ(outcome.pattern.points, 0);
+    std::string said = c.said;
+    said.replace(said.find("{}"), 2, path);
+    EXPECT_EQ(outcome.said, said);
+  }
+  // Formats that state start and step: a step of 0 is no scan either.
+  testing::ScratchDir dir;
+  EXPECT_EQ(
+      ReadWith(Request(kDat, dir.Write("z.dat", "  10.0  0.0\n     1.0     2.0\n"))).pattern.points,
+      0);
 }
 
 // ---- dat ----
@@ -475,6 +510,14 @@ TEST(RawData, RealFilesGiveTheStatedScans) {
     EXPECT_NEAR(outcome.pattern.step, f.step, 1e-7);
     EXPECT_EQ(outcome.said, "");
   }
+  // The 11-BM scan's steps vary by 10 % about a grid that its points keep to within 6e-5
+  // degrees: it reads, cut to its first 20000 points.
+  const Outcome synchrotron =
+      ReadWith(Request(kXy, root / "nac-caf2-11bm-synchrotron/11BM_NAC.xy"));
+  EXPECT_EQ(synchrotron.pattern.points, 20000);
+  EXPECT_NEAR(synchrotron.pattern.stop, 20.4964f, 1e-4);
+  EXPECT_EQ(synchrotron.said,
+            " Raw data file has more than 20000 points: the first 20000 are used");
 }
 
 TEST(RawData, RealFilesAgreeOnTheirValues) {

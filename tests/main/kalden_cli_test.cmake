@@ -216,3 +216,47 @@ file(GLOB left ${together}/*.tmp)
 if(left)
   message(FATAL_ERROR "two runs at once left temporary files behind: ${left}")
 endif()
+
+# A project from CIFs and a pattern: the format from the extension, the radiation by name, a
+# phase for each CIF with the CIF's name as title; a pattern that is no scan is refused with
+# its file and line, and options that do not fit give the usage.
+set(from_cif ${CMAKE_CURRENT_BINARY_DIR}/kalden-from-cif)
+file(REMOVE_RECURSE ${from_cif})
+file(MAKE_DIRECTORY ${from_cif})
+file(COPY ${DATA}/main/three_points.xy DESTINATION ${from_cif})
+set(lab6 ${DATA}/main/first_run/LaB6.cif)
+expect_run_in(${from_cif} 0 new two.rec --from-cif ${lab6} --from-cif ${DATA}/tools/cif_import/classic.cif
+              --data three_points.xy --radiation MoKa)
+if(NOT out MATCHES "Data format 5 from the extension of three_points.xy"
+   OR NOT out MATCHES "1\\. the cell of phase 1: CCEL +11\\.000 +11\\.000 +11\\.000")
+  message(FATAL_ERROR "unexpected output of new --from-cif --data:\n${out}")
+endif()
+file(STRINGS ${from_cif}/two.rec phases REGEX "^PHNA")
+file(STRINGS ${from_cif}/two.rec records REGEX "^(TITL|PWDT|FRMT|ELAM|JOBT|XYZ )")
+list(LENGTH phases phase_count)
+if(NOT phase_count EQUAL 2
+   OR NOT records MATCHES "TITL      Lanthanum hexaboride \\+ "
+   OR NOT records MATCHES "PWDT      three_points.xy"
+   OR NOT records MATCHES "FRMT          5"
+   OR NOT records MATCHES "ELAM        0.709317  0.713543  0.500000"
+   OR NOT records MATCHES "JOBT          0    4    2   -1"
+   # the second CIF's elements follow the first one's La and B
+   OR NOT records MATCHES "XYZ       Fe1      3 ")
+  message(FATAL_ERROR "unexpected records of new --from-cif --data:\n${records}")
+endif()
+# A further phase from a CIF into the project: the phases there keep their titles.
+expect_run_in(${from_cif} 0 new two.rec --use-existing --from-cif ${lab6} --data three_points.xy)
+file(STRINGS ${from_cif}/two.rec titles REGEX "^PHTI")
+if(NOT titles MATCHES "^PHTI      Lanthanum hexaboride *;PHTI      quartz_like *;PHTI      Lanthanum")
+  message(FATAL_ERROR "the phases' titles were not kept:\n${titles}")
+endif()
+expect_run_in(${from_cif} 1 new commas.rec --from-cif ${lab6}
+              --data ${DATA}/engine/bad_patterns/decimal_commas.xy)
+if(NOT out MATCHES "Angles do not rise at line 3 of [^\n]*decimal_commas.xy")
+  message(FATAL_ERROR "a pattern with decimal commas was not refused:\n${out}")
+endif()
+expect_run(1 new x.rec --from-cif ${lab6} --radiation CuKb)
+expect_run(1 new x.rec --from-cif ${lab6} --radiation CuKa)
+if(NOT err MATCHES "^usage: kalden new")
+  message(FATAL_ERROR "radiation without data gives no usage:\n${err}")
+endif()

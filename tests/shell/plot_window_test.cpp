@@ -91,7 +91,7 @@ using Range = std::pair<float, float>;
 
 TEST(PlotWindow, ADragZoomsToItsRectangleAndANarrowOneChangesNothing) {
   Session s;
-  ASSERT_EQ(Shown(s), Range(0, 140));  // 5.02 to 140 in whole tens
+  ASSERT_EQ(Shown(s), Range(5, 140));  // 5.02 to 139.98 in whole degrees
   const float top = s.state.plot.view.zoom.yHigh;
   // While the button is held the band is drawn in cyan over the plot.
   s.toolkit.WMessageEnable(kMouseMove, true);
@@ -118,7 +118,7 @@ TEST(PlotWindow, ADragZoomsToItsRectangleAndANarrowOneChangesNothing) {
   EXPECT_EQ(Shown(s), Range(40, 44));
   // Full pattern starts over.
   DispatchMenu(s.shell, menu::kFullPattern);
-  EXPECT_EQ(Shown(s), Range(0, 140));
+  EXPECT_EQ(Shown(s), Range(5, 140));
 }
 
 TEST(PlotWindow, KeysMoveAndScaleTheShownRange) {
@@ -127,21 +127,20 @@ TEST(PlotWindow, KeysMoveAndScaleTheShownRange) {
     HandleMessage(s.shell, {kKeyDown, code});
     return Shown(s);
   };
-  // Each range is the one the key asks for, scaled out to whole tens above 100 degrees and
-  // to whole degrees below.
-  EXPECT_EQ(key(kKeyArrowUp), Range(0, 140));      // full range already: nothing changes
-  EXPECT_EQ(key(kKeyArrowRight), Range(0, 140));   // nothing right of the data: all of it
-  EXPECT_EQ(key(kKeyArrowDown), Range(30, 110));   // 35 to 105
-  EXPECT_EQ(key(kKeyArrowDown), Range(50, 90));    // 50 to 90
-  EXPECT_EQ(key(kKeyArrowRight), Range(90, 130));  // 90 to 130
-  EXPECT_EQ(key(kKeyArrowLeft), Range(50, 90));
-  EXPECT_EQ(key(kKeyPageUp), Range(70, 110));  // half a width up
-  EXPECT_EQ(key(kKeyPageDown), Range(50, 90));
-  // The same width at the end: the data end at 139.98, so 99.98 rounds down to 90.
-  EXPECT_EQ(key(kKeyEnd), Range(90, 140));
-  EXPECT_EQ(key(kKeyHome), Range(5, 56));        // and at the start, 5.021 to 55.021
-  EXPECT_EQ(key(kKeyArrowLeft), Range(0, 140));  // nothing left of the data: all of it
-  EXPECT_EQ(key(kKeyArrowUp), Range(0, 140));
+  // Each range spans the points in the range the key asks for, out to whole degrees.
+  EXPECT_EQ(key(kKeyArrowUp), Range(5, 140));      // full range already: nothing changes
+  EXPECT_EQ(key(kKeyArrowRight), Range(5, 140));   // nothing right of the data: all of it
+  EXPECT_EQ(key(kKeyArrowDown), Range(38, 107));   // half the width, 38.75 to 106.25
+  EXPECT_EQ(key(kKeyArrowDown), Range(55, 90));    // 55.25 to 89.75
+  EXPECT_EQ(key(kKeyArrowRight), Range(90, 125));  // one width right
+  EXPECT_EQ(key(kKeyArrowLeft), Range(55, 90));
+  EXPECT_EQ(key(kKeyPageUp), Range(72, 108));  // half a width up
+  EXPECT_EQ(key(kKeyPageDown), Range(54, 90));
+  // The same width at the end of the data, 139.98, and at their start, 5.02.
+  EXPECT_EQ(key(kKeyEnd), Range(103, 140));
+  EXPECT_EQ(key(kKeyHome), Range(5, 43));
+  EXPECT_EQ(key(kKeyArrowLeft), Range(5, 140));  // nothing left of the data: all of it
+  EXPECT_EQ(key(kKeyArrowUp), Range(5, 140));
   // Keys clear a mouse selection and its y range.
   Drag(s, 60.2f, s.state.plot.view.zoom.yHigh - 1, 79.6f, s.state.plot.view.zoom.yLow + 1);
   ASSERT_EQ(Shown(s), Range(60, 80));
