@@ -14,8 +14,8 @@
 
 #include "shell/main_window.h"
 #include "shell/project_lifecycle.h"
+#include "support/checked_toolkit.h"
 #include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
 
 namespace kaldena {
 namespace {
@@ -26,7 +26,7 @@ using Command = std::vector<std::string>;
 
 // The scripted toolkit, plus the calls on text windows and message switches that it does not
 // keep, each with the window selected at the time.
-class MenuToolkit : public ScriptedToolkit {
+class MenuToolkit : public testing::CheckedToolkit {
  public:
   Lines calls;
   bool hardcopyCancelled = false;
@@ -113,7 +113,7 @@ TEST(MenuTable, HoldsEachIdOnceWithARoutine) {
     EXPECT_NE(entry.routine, nullptr) << entry.id;
     EXPECT_EQ(FindMenuEntry(entry.id), &entry);
   }
-  EXPECT_EQ(ids.size(), 72u);
+  EXPECT_EQ(ids.size(), 74u);
   EXPECT_EQ(FindMenuEntry(menu::kFile), nullptr);  // a popup, not a command
   EXPECT_EQ(FindMenuEntry(0), nullptr);
 
@@ -274,6 +274,14 @@ std::map<int, Expectation> BuiltCommands() {
         EXPECT_TRUE(s.Exists("corundum.tab"));
         EXPECT_EQ(s.toolkit.Commands(), (std::vector<Command>{{"editor", s.Path("corundum.tab")}}));
       }};
+  // Nothing edited yet: nothing to undo or redo, and the items say so.
+  for (const int id : {menu::kUndo, menu::kRedo}) {
+    e[id] = {{}, [id](Session& s) {
+               EXPECT_TRUE(s.NewLog().empty());
+               EXPECT_EQ(s.toolkit.MenuString(id), id == menu::kUndo ? "Undo" : "Redo");
+               EXPECT_EQ(s.toolkit.MenuState(id, kMenuItemEnabled), 0);
+             }};
+  }
   e[menu::kDistances] = {
       {}, [](Session& s) {
         ASSERT_FALSE(s.NewLog().empty());
@@ -496,7 +504,7 @@ TEST(MenuDispatch, WithoutAProjectNoCommandWritesFiles) {
   testing::ScratchDir cwd;
   const fs::path previous = fs::current_path();
   fs::current_path(cwd.Path());
-  ScriptedToolkit toolkit;
+  testing::CheckedToolkit toolkit;
   ShellState state;
   state.logWindow = toolkit.WindowOpenChild(256, 20, 600, 800, 250, "KALDENA Log");
   ShellRoutines routines;
