@@ -57,7 +57,7 @@ bool ReadParameterFile(ShellState& state, Toolkit& toolkit,
 }
 
 bool WriteParameterRecords(ShellState& state, Toolkit& toolkit, std::span<const Record> records,
-                           std::string_view stepName) {
+                           std::string_view stepName, std::span<const std::string_view> removed) {
   ShellReporter reporter(state, toolkit);
   RecordStore store(reporter);
   const std::string file = InProjectDir(state, state.parameterFileName);
@@ -66,6 +66,7 @@ bool WriteParameterRecords(ShellState& state, Toolkit& toolkit, std::span<const 
   for (const std::vector<Record>& group : GroupByKey(records)) {
     if (store.jUpdateRec(file, group) == 0) written = store.jAddRec(file, group) > 0 && written;
   }
+  for (const std::string_view key : removed) store.jDeleteRec(file, key);
   step.Finish(state, toolkit);
   return written;
 }
@@ -185,6 +186,10 @@ void DialogValues::CheckText(const DialogField* field, const std::string& text,
   }
 }
 
+void DialogValues::Require(std::string problem) {
+  if (problem_.empty()) problem_ = std::move(problem);
+}
+
 bool DialogValues::ReportBad() {
   if (problem_.empty()) return false;
   ShowMessage(toolkit_, "Error ", problem_);
@@ -224,8 +229,9 @@ int EditCommand::Run(const std::function<int(int button)>& pressed,
   return result;
 }
 
-bool EditCommand::Write(std::span<const Record> records) {
-  return WriteParameterRecords(state_, toolkit_, records, stepName_);
+bool EditCommand::Write(std::span<const Record> records,
+                        std::span<const std::string_view> removed) {
+  return WriteParameterRecords(state_, toolkit_, records, stepName_, removed);
 }
 
 bool RunSubDialog(Toolkit& toolkit, int dialog, int parent,
