@@ -247,6 +247,7 @@ void AtomTypes(Toolkit& toolkit, Controls& c) {
                         static_cast<float>(v.CellReal(kAtomTypesGrid, 3, row))};
           if (type.symbol.empty() && type.fPrime == 0.0f && type.fDoublePrime == 0.0f) continue;
           v.Require(ElementCheck(type.symbol, row));
+          type.symbol.resize(2, ' ');  // A2 would put a short symbol to the right
           types.push_back(type);
         }
       });

@@ -69,9 +69,12 @@ bool Restore(ShellState& state, Toolkit& toolkit, std::vector<EditStep>& from,
 
 }  // namespace
 
-UndoStep::UndoStep(ShellState& state, std::string_view name) {
+UndoStep::UndoStep(ShellState& state, std::string_view name)
+    : UndoStep(state, name, InProjectDir(state, state.parameterFileName)) {}
+
+UndoStep::UndoStep(ShellState&, std::string_view name, std::string file) {
   step_.name = name;
-  step_.file = InProjectDir(state, state.parameterFileName);
+  step_.file = std::move(file);
   const std::optional<std::string> text = ReadText(step_.file);
   readable_ = text.has_value();
   step_.before = text.value_or("");

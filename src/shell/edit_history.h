@@ -21,7 +21,7 @@ struct ShellState;
 
 struct EditStep {
   std::string name;    // "Edit phase 2", as the menu names it after "Undo" and "Redo"
-  std::string file;    // the parameter file, with its directory
+  std::string file;    // the parameter file (or project file), with its directory
   std::string before;  // its text before the step
   std::string after;   // and after it
 };
@@ -35,6 +35,8 @@ struct EditHistory {
 class UndoStep {
  public:
   UndoStep(ShellState& state, std::string_view name);
+  // A step of another file of the project ("Add peaks" appends to the project file).
+  UndoStep(ShellState& state, std::string_view name, std::string file);
   // Pushes the step when the file differs from before (clearing what could be redone) and
   // refreshes the Undo and Redo menu items.
   void Finish(ShellState& state, Toolkit& toolkit);

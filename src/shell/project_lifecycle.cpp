@@ -228,6 +228,8 @@ int LoadProject(ShellState& state, Toolkit& toolkit) {
   }
   state.addPhaseFile.clear();
   state.addPhaseSource = 2;
+  // The working copy starts afresh from the project file: no edit of it to undo.
+  state.editHistory = EditHistory{state.projectFileName, {}, {}};
   state.plot.view.content = state.job.Phases() > 1 ? 29 : 31;
   state.plot.view.phaseShown.fill(true);
   EnablePhaseMenus(state, toolkit);
