@@ -19,7 +19,7 @@ constexpr std::string_view kCodewordKeys[] = {"CZET", "CAXI", "CWAV", "CBKG", "C
                                               "CSCA", "CCEL", "CASY", "CHWT", "CPKS",
                                               "CSTS", "CXYZ", "CBET"};
 
-// A number as a box shows it: the fewest digits that read back to it.
+// A number as a box shows it, in up to ten significant digits.
 std::string NumberText(double value) {
   char text[32];
   std::snprintf(text, sizeof text, "%.10g", value);
@@ -40,6 +40,13 @@ std::vector<std::vector<Record>> GroupByKey(std::span<const Record> records) {
     }
   }
   return groups;
+}
+
+// A grid cell as a box names it: its row and its column's heading.
+std::string CellWhere(const DialogField* column, int row) {
+  std::string where = "row " + std::to_string(row);
+  if (column != nullptr && !column->caption.empty()) where += ", " + column->caption;
+  return where;
 }
 
 }  // namespace
@@ -106,15 +113,13 @@ DialogValues::DialogValues(Toolkit& toolkit, int dialog)
 
 double DialogValues::Real(int field) {
   const double value = toolkit_.WDialogGetReal(field);
-  if (resource_ != nullptr)
-    CheckNumber(resource_->Field(field), value, FieldName(*resource_, field));
+  CheckField(field, value);
   return value;
 }
 
 int DialogValues::Integer(int field) {
   const int value = toolkit_.WDialogGetInteger(field);
-  if (resource_ != nullptr)
-    CheckNumber(resource_->Field(field), value, FieldName(*resource_, field));
+  CheckField(field, value);
   return value;
 }
 
@@ -122,6 +127,11 @@ std::string DialogValues::Text(int field) {
   std::string text = toolkit_.WDialogGetString(field);
   if (resource_ != nullptr) CheckText(resource_->Field(field), text, FieldName(*resource_, field));
   return text;
+}
+
+void DialogValues::CheckField(int field, double value) {
+  if (resource_ != nullptr)
+    CheckNumber(resource_->Field(field), value, FieldName(*resource_, field));
 }
 
 const DialogField* DialogValues::Column(int grid, int column) const {
@@ -133,14 +143,6 @@ const DialogField* DialogValues::Column(int grid, int column) const {
   }
   return &columns->fields[static_cast<std::size_t>(column - 1)];
 }
-
-namespace {
-std::string CellWhere(const DialogField* column, int row) {
-  std::string where = "row " + std::to_string(row);
-  if (column != nullptr && !column->caption.empty()) where += ", " + column->caption;
-  return where;
-}
-}  // namespace
 
 double DialogValues::CellReal(int grid, int column, int row) {
   const double value = toolkit_.WGridGetCellReal(grid, column, row);

@@ -79,11 +79,11 @@ class DialogValues {
 
   // A check of the dialog's own: a non-empty text is a bad value, unless one came first.
   void Require(std::string problem);
-  bool Good() const { return problem_.empty(); }
   // Shows the box of the first bad value, title "Error ", and returns true when there was one.
   bool ReportBad();
 
  private:
+  void CheckField(int field, double value);
   void CheckNumber(const DialogField* field, double value, std::string_view where);
   void CheckText(const DialogField* field, const std::string& text, std::string_view where);
   const DialogField* Column(int grid, int column) const;
@@ -113,9 +113,6 @@ class EditCommand {
           const std::function<void(DialogValues&)>& take);
   // Writes the records (WriteParameterRecords) under the command's step name.
   bool Write(std::span<const Record> records, std::span<const std::string_view> removed = {});
-
-  ShellState& State() { return state_; }
-  Toolkit& Kit() { return toolkit_; }
 
  private:
   ShellState& state_;

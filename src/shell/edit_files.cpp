@@ -95,9 +95,11 @@ void PutFiles(Toolkit& toolkit, const FilesRecords& r, const std::string& base) 
   toolkit.WDialogPutCheckBox(kFilesRefineFactor, r.factorCode != 0.0f ? 1 : 0);
   toolkit.WDialogPutReal(kFilesEnvironment, r.environment);
   // A format outside 1 to 9 shows no button and stays unless one is chosen.
-  if (r.format >= 1 && r.format <= 8)
+  if (r.format >= 1 && r.format <= 8) {
     toolkit.WDialogPutRadioButton(kFilesFormatFirst + r.format - 1);
-  if (r.format == 9) toolkit.WDialogPutRadioButton(kFilesFormatEpf);
+  } else if (r.format == 9) {
+    toolkit.WDialogPutRadioButton(kFilesFormatEpf);
+  }
 }
 
 void TakeFiles(DialogValues& values, Toolkit& toolkit, FilesRecords& r, const std::string& base,
