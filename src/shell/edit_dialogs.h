@@ -66,4 +66,8 @@ void EditGlobalsDialog(ShellState& state, Toolkit& toolkit);
 // Puts the three dialogs into the routines of the Edit menu.
 void AddEditRoutines(ShellRoutines& routines);
 
+// The dialogs of a new project, each to its end: Files, Controls, Globals, then the phase
+// dialog of `routines` for each phase (when it has one).
+void EditNewProject(ShellState& state, Toolkit& toolkit, const ShellRoutines& routines);
+
 }  // namespace kaldena

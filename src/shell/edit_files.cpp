@@ -217,6 +217,17 @@ void EditFilesDialog(ShellState& state, Toolkit& toolkit) {
   if (result == kEditAndRun) UpdateAndRun(state, toolkit);
 }
 
+void EditNewProject(ShellState& state, Toolkit& toolkit, const ShellRoutines& routines) {
+  EditFilesDialog(state, toolkit);
+  EditControlsDialog(state, toolkit);
+  EditGlobalsDialog(state, toolkit);
+  if (!routines.editPhase) return;
+  for (int phase = 1; phase <= state.job.Phases(); ++phase) {
+    state.currentPhase = phase;
+    routines.editPhase(state, toolkit);
+  }
+}
+
 void AddEditRoutines(ShellRoutines& routines) {
   routines.editFiles = EditFilesDialog;
   routines.editControls = EditControlsDialog;

@@ -62,6 +62,11 @@ ShellRoutines ToolRoutines() {
 
 void InstallToolHooks(ShellState& state) {
   if (!state.hooks.importCif) state.hooks.importCif = ImportCifPhase;
+  if (!state.hooks.editNewProject) {
+    state.hooks.editNewProject = [](ShellState& s, Toolkit& t) {
+      EditNewProject(s, t, ToolRoutines());
+    };
+  }
   if (!state.hooks.showPattern) state.hooks.showPattern = ShowFullPattern;
 }
 

@@ -474,5 +474,21 @@ TEST(EditDialogs, UndoAndRedoThroughTheMenuRestoreTheFileByteForByte) {
   EXPECT_EQ(s.toolkit.MenuState(menu::kUndo, kMenuItemEnabled), 0);
 }
 
+TEST(EditDialogs, ANewProjectRunsFilesControlsAndGlobalsInTurn) {
+  EditSession s;
+  s.toolkit.ClearRecords();
+  s.toolkit.QueueSelection((s.dir.Path() / "fresh.rec").string());
+  s.toolkit.QueueDialog({kFilesDialog, {{kFilesTitle, "Fresh sample"}}});
+  s.toolkit.QueueDialog({kControlsDialog, {{kControlsCycles, "9"}}, {kIdCancel}});
+  s.toolkit.QueueDialog({kGlobalsDialog, {{kGlobalsZeroFirst, "0.03"}}});
+  DispatchMenu(s.shell, menu::kNewFromDefaults);
+  EXPECT_EQ(s.toolkit.DialogsShown(),
+            (std::vector<int>{kFilesDialog, kControlsDialog, kGlobalsDialog}));
+  const std::string project = testing::ReadBytes(s.dir.Path() / "fresh.rec");
+  EXPECT_NE(project.find("TITL      Fresh sample"), std::string::npos);
+  EXPECT_NE(project.find("ZETT         0.03000"), std::string::npos);
+  EXPECT_EQ(project.find("RELX          9"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace kaldena
