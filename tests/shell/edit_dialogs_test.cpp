@@ -403,7 +403,7 @@ TEST(EditGlobals, OkWritesValuesAndCodesByTheCodewordRule) {
                                   "CBKG           0.000    41.000     0.000     0.000     0.000"}));
 }
 
-TEST(EditGlobals, ABadValueInAGridRowShowsItsBoxAndWritesNothing) {
+TEST(EditGlobals, ABadValueInAGridRowOrAFieldShowsItsBoxAndWritesNothing) {
   EditSession s;
   const std::string par = s.Par();
   Answer answer{kGlobalsDialog, {{kGlobalsZeroFirst, "0.5"}}};
@@ -411,6 +411,9 @@ TEST(EditGlobals, ABadValueInAGridRowShowsItsBoxAndWritesNothing) {
   s.Menu(answer, menu::kEditGlobals);
   ASSERT_NE(s.LastBox(), nullptr);
   EXPECT_EQ(s.LastBox()->text, "row 4, Coefficient: 123456789 does not fit the format (f10.1)");
+  EXPECT_EQ(s.Par(), par);
+  s.Menu({kGlobalsDialog, {{kGlobalsAxialFirst + 1, "-12345"}}}, menu::kEditGlobals);
+  EXPECT_EQ(s.LastBox()->text, "Asymmetry, detector: -12345 does not fit the format (f10.5)");
   EXPECT_EQ(s.Par(), par);
 }
 
