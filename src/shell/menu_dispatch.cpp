@@ -148,7 +148,7 @@ void AddPeaks(ShellContext& shell, const Entry&) {
                                           Reporter& r) {
     return RunDistan(project, list, r) ? 0 : 1;
   };
-  UndoStep step(shell.state, "Add peaks", ProjectFile(shell));
+  UndoStep step("Add peaks", ProjectFile(shell));
   const AddAllPeaksResult result = AddAllPeaks(ProjectFile(shell), distances, reporter);
   step.Finish(shell.state, shell.toolkit);
   if (result.status == 0 && !result.distanceList.empty()) StartEditor(shell, result.distanceList);

@@ -468,8 +468,7 @@ TEST(EditDialogs, UndoAndRedoThroughTheMenuRestoreTheFileByteForByte) {
   DispatchMenu(s.shell, menu::kUndo);
   EXPECT_EQ(s.Par(), controls);
   EXPECT_EQ(s.Log().back(),
-            " The parameter file from before Edit globals is back: the changes "
-            "of a run since then are undone too");
+            " corundum.par is back as before Edit globals: what a run changed since is undone too");
 
   // Another project opened: nothing to undo.
   OpenProject(s.state, s.toolkit, 1);
