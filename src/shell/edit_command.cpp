@@ -1,7 +1,9 @@
 // The rule of an edit command, the codeword rule and the checks of typed values.
 #include "shell/edit_command.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "shell/edit_history.h"
 #include "shell/project_lifecycle.h"

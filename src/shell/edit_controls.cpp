@@ -1,11 +1,9 @@
 // "Edit controls" with its grids of excluded regions, atom types and calibration.
 #include <array>
-#include <cmath>
 
 #include "crystal/elements.h"
 #include "shell/edit_command.h"
 #include "shell/edit_dialogs.h"
-#include "shell/shell_services.h"
 #include "store/job_records.h"
 #include "store/record_catalogue.h"
 #include "util/text.h"
