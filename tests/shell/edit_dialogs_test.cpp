@@ -428,7 +428,7 @@ TEST(EditDialogs, AnUnchangedOkKeepsEveryValueOfTheExample) {
     std::set<std::string> added;
   };
   const std::vector<Case> cases = {
-      // PWDT and TITL: a text record is written without the blanks to column 256.
+      // Every line the example has is written as it stood; the keys it lacks come into being.
       {kFilesDialog, menu::kEditFiles, {}, {"PWWG", "PWBG", "BGSC", "CBGS", "ENVI"}},
       {kControlsDialog, menu::kEditControls, {}, {"UTPT", "DAMP", "ICLT", "WRES", "POLY"}},
       {kGlobalsDialog, menu::kEditGlobals, {}, {"AXID", "CAXI", "WAVE", "CWAV"}},
