@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "shell/edit_history.h"
 #include "shell/engine_job.h"
 #include "shell/main_window.h"
 #include "shell/preferences.h"
@@ -85,6 +86,8 @@ void EditControls(ShellContext& shell, const Entry& entry) {
 void EditGlobals(ShellContext& shell, const Entry& entry) {
   Run(shell, entry, shell.routines.editGlobals);
 }
+void Undo(ShellContext& shell, const Entry&) { UndoEdit(shell.state, shell.toolkit); }
+void Redo(ShellContext& shell, const Entry&) { RedoEdit(shell.state, shell.toolkit); }
 void EditPhase(ShellContext& shell, const Entry& entry) {
   if (!shell.routines.editPhase) return LogNotAvailable(shell, entry);
   shell.state.currentPhase = entry.argument;
@@ -149,11 +152,15 @@ void AddPeaks(ShellContext& shell, const Entry&) {
                                           Reporter& r) {
     return RunDistan(project, list, r) ? 0 : 1;
   };
+  UndoStep step("Add peaks", ProjectFile(shell));
   const AddAllPeaksResult result = AddAllPeaks(ProjectFile(shell), distances, reporter);
+  step.Finish(shell.state, shell.toolkit);
   if (result.status == 0 && !result.distanceList.empty()) StartEditor(shell, result.distanceList);
 }
 void AddAtoms(ShellContext& shell, const Entry& entry) {
+  UndoStep step(shell.state, "Add atoms");
   Run(shell, entry, shell.routines.addAtoms);
+  step.Finish(shell.state, shell.toolkit);
 }
 // Mouse moves would reach the plot under the contour dialog, so they are off meanwhile.
 void PlotFourierMaps(ShellContext& shell, const Entry& entry) {
@@ -231,6 +238,8 @@ constexpr std::array kMenu = {
     Entry{menu::kDebug, kSettings, "Debug", "", ToggleDebug},
     Entry{menu::kFrameColour, kSettings, "Select frame colour", "", FrameColour},
     Entry{menu::kPreferences, kSettings, "Preferences", "", Preferences},
+    Entry{menu::kUndo, kEdit, "Undo", "Ctrl+Z", Undo},
+    Entry{menu::kRedo, kEdit, "Redo", "Ctrl+Shift+Z", Redo},
     Entry{menu::kEditFiles, kEdit, "Files", "F5", EditFiles},
     Entry{menu::kEditControls, kEdit, "Controls", "F6", EditControls},
     Entry{menu::kEditGlobals, kEdit, "Globals", "F7", EditGlobals},

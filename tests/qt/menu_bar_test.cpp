@@ -195,7 +195,7 @@ TEST(MenuBar, EveryItemStandsUnderItsMenuWithItsKeyAndReachesTheScriptedRoutine)
     }
     ++checked;
   }
-  EXPECT_EQ(checked, 73);
+  EXPECT_EQ(checked, 75);
 }
 
 TEST(MenuBar, PopupsHaveTheIdsThatGreyThem) {
