@@ -21,22 +21,6 @@ std::string NumberText(double value) {
   return out.str();
 }
 
-double TextToReal(const std::string& text) {
-  try {
-    return std::stod(text);
-  } catch (...) {
-    return 0.0;
-  }
-}
-
-int TextToInteger(const std::string& text) {
-  try {
-    return std::stoi(text);
-  } catch (...) {
-    return 0;
-  }
-}
-
 // Root may write anywhere; the desktop's user may not write a read-only file, and the tests
 // depend on that, so the permission bits are honoured here whoever runs the program.
 bool WriteProtected(const fs::path& file) {
@@ -170,136 +154,6 @@ void ScriptedToolkit::WMenuSetString(int item, std::string_view text) {
   menuStrings_[item] = std::string(text);
 }
 
-void ScriptedToolkit::WDialogLoad(int dialog) {
-  currentDialog_ = dialog;
-  dialogs_state_[dialog] = Dialog{};
-}
-
-void ScriptedToolkit::WDialogShow(int, int, int, int type) {
-  dialogsShown_.push_back(currentDialog_);
-  DialogAnswer answer;
-  answer.buttons = {kIdCancel};  // a dialog the script did not foresee is cancelled
-  if (!dialogs_.empty() && (dialogs_.front().dialog == currentDialog_ || dialogs_.front().dialog == 0)) {
-    answer = std::move(dialogs_.front());
-    dialogs_.pop_front();
-  }
-  for (const auto& [field, value] : answer.fields) Field(field) = value;
-  if (answer.buttons.empty()) answer.buttons = {kIdCancel};
-  if (type == kDialogModeless) {
-    // The dialog's own loop takes the presses from the queue, before anything queued later.
-    for (auto it = answer.buttons.rbegin(); it != answer.buttons.rend(); ++it) {
-      messages_.push_front(Message{kPushButton, *it});
-    }
-  } else {
-    lastExitButton_ = answer.buttons.back();
-    lastAccepted_ = lastExitButton_ == kIdOk ? 1 : 0;
-  }
-}
-
-void ScriptedToolkit::WDialogUnload() { currentDialog_ = 0; }
-
-void ScriptedToolkit::WDialogPutString(int field, std::string_view text) {
-  Field(field) = std::string(Trimmed(text));
-}
-
-std::string ScriptedToolkit::WDialogGetString(int field) { return Field(field); }
-
-void ScriptedToolkit::WDialogPutReal(int field, double value) { Field(field) = NumberText(value); }
-
-double ScriptedToolkit::WDialogGetReal(int field) { return TextToReal(Field(field)); }
-
-void ScriptedToolkit::WDialogPutInteger(int field, int value) {
-  Field(field) = std::to_string(value);
-}
-
-int ScriptedToolkit::WDialogGetInteger(int field) { return TextToInteger(Field(field)); }
-
-void ScriptedToolkit::WDialogPutCheckBox(int field, int state) {
-  Field(field) = state != 0 ? "1" : "0";
-}
-
-int ScriptedToolkit::WDialogGetCheckBox(int field) { return TextToInteger(Field(field)) != 0; }
-
-void ScriptedToolkit::WDialogPutRadioButton(int field) { Field(field) = "1"; }
-
-int ScriptedToolkit::WDialogGetRadioButton(int firstField, int lastField) {
-  // The last button switched on wins, as when a script turns on another one of the group.
-  int index = 0;
-  for (int field = firstField; field <= lastField; ++field) {
-    if (TextToInteger(Field(field)) != 0) index = field - firstField + 1;
-  }
-  return index;
-}
-
-void ScriptedToolkit::WDialogFieldState(int field, int state) {
-  dialogs_state_[currentDialog_].fieldStates[field] = state;
-}
-
-void ScriptedToolkit::WDialogClearField(int field) { Field(field).clear(); }
-
-void ScriptedToolkit::WGridRows(int grid, int count) { GridOf(grid).rows = count; }
-
-void ScriptedToolkit::WGridLabelRow(int grid, int row, std::string_view text) {
-  GridOf(grid).labels[row] = std::string(text);
-}
-
-void ScriptedToolkit::WGridPutCellString(int grid, int column, int row, std::string_view text) {
-  Cell(grid, column, row) = std::string(Trimmed(text));
-}
-
-std::string ScriptedToolkit::WGridGetCellString(int grid, int column, int row) {
-  return Cell(grid, column, row);
-}
-
-void ScriptedToolkit::WGridPutCellReal(int grid, int column, int row, double value) {
-  Cell(grid, column, row) = NumberText(value);
-}
-
-double ScriptedToolkit::WGridGetCellReal(int grid, int column, int row) {
-  return TextToReal(Cell(grid, column, row));
-}
-
-void ScriptedToolkit::WGridPutCellInteger(int grid, int column, int row, int value) {
-  Cell(grid, column, row) = std::to_string(value);
-}
-
-int ScriptedToolkit::WGridGetCellInteger(int grid, int column, int row) {
-  return TextToInteger(Cell(grid, column, row));
-}
-
-void ScriptedToolkit::WGridPutCellCheckBox(int grid, int column, int row, int state) {
-  Cell(grid, column, row) = state != 0 ? "1" : "0";
-}
-
-int ScriptedToolkit::WGridGetCheckBox(int grid, int column, int row) {
-  return TextToInteger(Cell(grid, column, row)) != 0;
-}
-
-void ScriptedToolkit::WGridInsertRows(int grid, int row, int count) {
-  Grid& g = GridOf(grid);
-  std::map<std::pair<int, int>, std::string> moved;
-  for (auto& [key, value] : g.cells) {
-    auto [column, r] = key;
-    moved[{column, r >= row ? r + count : r}] = std::move(value);
-  }
-  g.cells = std::move(moved);
-  g.rows += count;
-}
-
-void ScriptedToolkit::WGridDeleteRows(int grid, int row, int count) {
-  Grid& g = GridOf(grid);
-  std::map<std::pair<int, int>, std::string> kept;
-  for (auto& [key, value] : g.cells) {
-    auto [column, r] = key;
-    if (r >= row && r < row + count) continue;
-    kept[{column, r >= row + count ? r - count : r}] = std::move(value);
-  }
-  g.cells = std::move(kept);
-  g.rows = std::max(0, g.rows - count);
-}
-
-int ScriptedToolkit::WInfoGrid(int grid, int) { return GridOf(grid).rows; }
-
 void ScriptedToolkit::WSelectFile(std::string_view filter, int flags, std::string& name,
                                   std::string_view title) {
   FileSelection selection{std::string(filter), flags, std::string(title), name, ""};
@@ -416,9 +270,7 @@ int ScriptedToolkit::WGrInput(int, double& x, double& y) {
   return kMouseButtonUp;
 }
 
-void ScriptedToolkit::IGrPlotMode(std::string_view mode) {
-  Draw("plotmode " + std::string(mode));
-}
+void ScriptedToolkit::IGrPlotMode(std::string_view mode) { Draw("plotmode " + std::string(mode)); }
 
 void ScriptedToolkit::IGrHardcopySelect(int, int driver) {
   Draw("hardcopy driver " + std::to_string(driver));

@@ -2,7 +2,10 @@
 // (messages, dialog answers, file selections, Yes or No) and read back what the program
 // showed: log and text-window lines, status fields, menu states, boxes, file operations and
 // the programs it would have started. File copies and deletions are real; programs are only
-// recorded, never started.
+// recorded, never started. Dialogs are checked against their resources (dialog_resources.h):
+// a dialog without one, a field that its resource lacks or of the wrong class, and a scripted
+// answer that the dialog on screen would not take are recorded as problems, and the companion
+// sections act on the values as on screen (formats, lengths, spin ranges, initial checks).
 #pragma once
 
 #include <deque>
@@ -12,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "toolkit/dialog_resources.h"
 #include "toolkit/recording_canvas.h"
 #include "toolkit/toolkit.h"
 
@@ -21,7 +25,8 @@ class ScriptedToolkit : public Toolkit {
  public:
   // What a dialog receives when it is shown: field values (as text; check boxes and radio
   // buttons "0" or "1") laid over those the program put, then the buttons pressed in order.
-  // The last button should be an exit button (1 OK, 2 Cancel).
+  // The last button should be an exit button (1 OK, 2 Cancel). Values and buttons must be
+  // ones the user could give on screen.
   struct DialogAnswer {
     int dialog = 0;
     std::map<int, std::string> fields;
@@ -75,6 +80,9 @@ class ScriptedToolkit : public Toolkit {
   void SetScreen(int width, int height) { screenWidth_ = width, screenHeight_ = height; }
   // Programs by this name (first argument) fail to start with error 13.
   void FailProgram(std::string program) { failingPrograms_.insert(std::move(program)); }
+  // Dialogs of a resource text, before the built-in ones of the same id; for tests of dialogs
+  // that the program does not have. An error in the text is a problem (ResourceProblems).
+  void AddDialogResources(std::string_view text, std::string_view name);
   // Fixes the clock; otherwise the system clock is read.
   void SetDateTime(const DateTime& when) { fixedTime_ = when; }
 
@@ -101,6 +109,9 @@ class ScriptedToolkit : public Toolkit {
   // Field values of a dialog as they stood when it was unloaded, or stand now.
   std::string DialogField(int dialog, int field) const;
   bool QueueEmpty() const { return messages_.empty(); }
+  // Calls and answers that the dialogs on screen would refuse, one line each ("dialog 139:
+  // WDialogPutReal: no field 1444"); kept by ClearRecords.
+  const std::vector<std::string>& ResourceProblems() const { return resourceProblems_; }
   void ClearRecords();
 
   // --- Toolkit
@@ -131,7 +142,7 @@ class ScriptedToolkit : public Toolkit {
   void WDialogShow(int x, int y, int initialField, int type) override;
   void WDialogHide() override {}
   void WDialogUnload() override;
-  void WDialogSelect(int dialog) override { currentDialog_ = dialog; }
+  void WDialogSelect(int dialog) override;
   void WDialogPutString(int field, std::string_view text) override;
   std::string WDialogGetString(int field) override;
   void WDialogPutReal(int field, double value) override;
@@ -143,11 +154,11 @@ class ScriptedToolkit : public Toolkit {
   void WDialogPutRadioButton(int field) override;
   int WDialogGetRadioButton(int firstField, int lastField) override;
   void WDialogFieldState(int field, int state) override;
-  void WDialogFieldOptions(int, int, int) override {}
+  void WDialogFieldOptions(int field, int option, int value) override;
   void WDialogClearField(int field) override;
 
   void WGridRows(int grid, int count) override;
-  void WGridColumns(int, int) override {}
+  void WGridColumns(int grid, int count) override;
   void WGridLabelRow(int grid, int row, std::string_view text) override;
   void WGridPutCellString(int grid, int column, int row, std::string_view text) override;
   std::string WGridGetCellString(int grid, int column, int row) override;
@@ -157,8 +168,8 @@ class ScriptedToolkit : public Toolkit {
   int WGridGetCellInteger(int grid, int column, int row) override;
   void WGridPutCellCheckBox(int grid, int column, int row, int state) override;
   int WGridGetCheckBox(int grid, int column, int row) override;
-  void WGridColourRow(int, int, int, int) override {}
-  void WGridClearSelection(int) override {}
+  void WGridColourRow(int grid, int row, int foreground, int background) override;
+  void WGridClearSelection(int grid) override;
   void WGridInsertRows(int grid, int row, int count) override;
   void WGridDeleteRows(int grid, int row, int count) override;
   int WInfoGrid(int grid, int what) override;
@@ -216,14 +227,35 @@ class ScriptedToolkit : public Toolkit {
     std::map<int, std::string> labels;
   };
   struct Dialog {
+    bool loaded = false;
+    const DialogResource* resource = nullptr;
     std::map<int, std::string> fields;
     std::map<int, int> fieldStates;
     std::map<int, Grid> grids;
   };
 
+  // A field's description; DialogField names the accessor above within the class.
+  using FieldResource = kaldena::DialogField;
+  // Whether a field's class takes an operation.
+  using FieldTest = bool (*)(const FieldResource&);
+
   std::string& Field(int field) { return dialogs_state_[currentDialog_].fields[field]; }
   Grid& GridOf(int grid) { return dialogs_state_[currentDialog_].grids[grid]; }
   std::string& Cell(int grid, int column, int row) { return GridOf(grid).cells[{column, row}]; }
+  void Problem(std::string_view operation, const std::string& what);
+  // False, with a problem, when no dialog is loaded, or its resource lacks the field or has it
+  // of a class that does not take the operation. `field` is then the resource's field, or
+  // nullptr for a dialog without a resource: its fields go unchecked, its load was the problem.
+  bool Allowed(int id, std::string_view operation, FieldTest fits, const FieldResource*& field);
+  // The same for a grid's cell (or row label, with column 0): the grid, column and row must
+  // exist, and `columnField` is the column dialog's field that describes the column.
+  bool AllowedCell(int grid, int column, int row, std::string_view operation, FieldTest fits,
+                   const FieldResource*& columnField);
+  const DialogResource* Resource(int dialog) const;
+  void InitialValues(const DialogResource& resource);
+  void TakeAnswer(const DialogAnswer& answer);
+  void CheckAnswer(const FieldResource& field, const std::string& value);
+  void PutState(const FieldResource* field, int id, int state);
   void Draw(std::string op);
 
   bool echo_;
@@ -247,6 +279,8 @@ class ScriptedToolkit : public Toolkit {
   int lastExitButton_ = 0;
   int currentDialog_ = 0;
   std::map<int, Dialog> dialogs_state_;
+  std::vector<std::string> resourceProblems_;
+  std::deque<DialogResource> ownResources_;  // a deque: loaded dialogs point into it
 
   std::vector<EditLine> editLines_;
   std::map<int, std::string> statusFields_;

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "shell/startup.h"
+#include "support/checked_toolkit.h"
 #include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
 
 namespace kaldena {
 namespace {
@@ -27,7 +27,7 @@ std::string Numbers(std::initializer_list<double> values) {
 }
 
 // Keeps, in order, the calls that the scripted toolkit does not record itself.
-class RecordingToolkit : public ScriptedToolkit {
+class RecordingToolkit : public testing::CheckedToolkit {
  public:
   Lines calls;
 

@@ -14,8 +14,8 @@
 
 #include "shell/main_window.h"
 #include "shell/project_lifecycle.h"
+#include "support/checked_toolkit.h"
 #include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
 
 namespace kaldena {
 namespace {
@@ -26,7 +26,7 @@ using Command = std::vector<std::string>;
 
 // The scripted toolkit, plus the calls on text windows and message switches that it does not
 // keep, each with the window selected at the time.
-class MenuToolkit : public ScriptedToolkit {
+class MenuToolkit : public testing::CheckedToolkit {
  public:
   Lines calls;
   bool hardcopyCancelled = false;
@@ -496,7 +496,7 @@ TEST(MenuDispatch, WithoutAProjectNoCommandWritesFiles) {
   testing::ScratchDir cwd;
   const fs::path previous = fs::current_path();
   fs::current_path(cwd.Path());
-  ScriptedToolkit toolkit;
+  testing::CheckedToolkit toolkit;
   ShellState state;
   state.logWindow = toolkit.WindowOpenChild(256, 20, 600, 800, 250, "KALDENA Log");
   ShellRoutines routines;

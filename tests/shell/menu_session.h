@@ -10,7 +10,7 @@
 #include "shell/project_lifecycle.h"
 #include "shell/tool_routines.h"
 #include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
+#include "support/checked_toolkit.h"
 
 namespace kaldena::testing {
 
@@ -37,7 +37,7 @@ struct Session {
   }
 
   ScratchDir dir;
-  ScriptedToolkit toolkit;
+  CheckedToolkit toolkit;
   ShellState state;
   ShellRoutines routines = ToolRoutines();
   ShellContext shell{state, toolkit, routines};

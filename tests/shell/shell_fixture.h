@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "shell/shell_state.h"
+#include "support/checked_toolkit.h"
 #include "support/test_files.h"
-#include "toolkit/headless_toolkit.h"
 
 namespace kaldena::testing {
 
@@ -22,7 +22,7 @@ struct ShellFixture {
   bool Exists(const std::string& name) const { return std::filesystem::exists(dir.Path() / name); }
 
   ScratchDir dir;
-  ScriptedToolkit toolkit;
+  CheckedToolkit toolkit;
   ShellState state;
 };
 
