@@ -5,6 +5,7 @@
 #include "shell/main_window.h"
 #include "shell/option_dialogs.h"
 #include "shell/peak_dialog.h"
+#include "shell/phase_commands.h"
 #include "shell/plot_dialogs.h"
 #include "shell/plot_window.h"
 #include "shell/project_lifecycle.h"
@@ -50,6 +51,8 @@ ShellRoutines ToolRoutines() {
   r.cifRawReport = WriteRawReportOfProject;
   r.crystallinity = CrystallinityDialog;
   r.addAtoms = AddAtomsDialog;
+  r.addPhase = AddPhase;
+  r.deletePhase = DeletePhase;
   r.writeStructureCif = [](ShellState& state, Toolkit& toolkit, const std::string& parameters,
                            const std::string& cif) {
     ShellReporter reporter(state, toolkit);

@@ -1,0 +1,169 @@
+// Phase add and delete from the menus, on the refined corundum example.
+#include "shell/phase_commands.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <sstream>
+
+#include "shell/menu_session.h"
+
+namespace kaldena {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Session;
+
+// The lines of a key in the parameter file, trailing blanks cut.
+std::vector<std::string> Lines(const Session& s, std::string_view key) {
+  std::istringstream par(s.Read("corundum.par"));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(par, line);) {
+    line.erase(line.find_last_not_of(" \r") + 1);
+    if (line.starts_with(key)) lines.push_back(line);
+  }
+  return lines;
+}
+
+ProjectPhases Phases(const Session& s) {
+  RecordingReporter reporter;
+  RecordStore store(reporter);
+  EXPECT_GT(store.jReadRecFile((s.dir.Path() / "corundum.par").string()), 0);
+  ProjectPhases project;
+  std::string error;
+  EXPECT_TRUE(ReadProjectPhases(store, project, error)) << error;
+  return project;
+}
+
+void AddFrom(Session& s, int source, const std::string& file = "") {
+  s.toolkit.QueueDialog({kAddPhaseDialog, {{source, "1"}, {kAddPhaseFile, file}}, {kIdOk}});
+  DispatchMenu(s.shell, menu::kAddPhase);
+}
+
+// Equal within the digits of the writing layouts (f10.5, f9.5 and the four of e12.4).
+template <size_t N>
+void ExpectNear(const std::array<float, N>& a, const std::array<float, N>& b) {
+  for (size_t i = 0; i < N; ++i) EXPECT_NEAR(a[i], b[i], 1e-4f * std::abs(b[i]) + 6e-6f) << i;
+}
+
+void ExpectSamePhase(const PhaseRecords& a, const PhaseRecords& b) {
+  EXPECT_EQ(a.title, b.title);
+  EXPECT_EQ(a.spaceGroup, b.spaceGroup);
+  ExpectNear(a.cell, b.cell);
+  ExpectNear(a.scale, b.scale);
+  ExpectNear(a.widths, b.widths);
+  ExpectNear(a.shape, b.shape);
+  ASSERT_EQ(a.atoms.size(), b.atoms.size());
+  for (size_t i = 0; i < a.atoms.size(); ++i) {
+    EXPECT_EQ(a.atoms[i].label, b.atoms[i].label);
+    EXPECT_EQ(a.atoms[i].type, b.atoms[i].type);
+    ExpectNear(a.atoms[i].values, b.atoms[i].values);
+  }
+}
+
+TEST(PhaseCommands, CancelChangesNothingAndDefaultsMakeASecondPhase) {
+  Session s;
+  const std::string par = s.Read("corundum.par");
+  s.toolkit.QueueDialog({kAddPhaseDialog, {{kAddPhaseDefaults, "1"}}, {kIdCancel}});
+  DispatchMenu(s.shell, menu::kAddPhase);
+  EXPECT_EQ(s.Read("corundum.par"), par);
+  const PhaseRecords corundum = Phases(s).phases.at(0);
+
+  AddFrom(s, kAddPhaseDefaults);
+  EXPECT_EQ(Lines(s, "JOBT"),
+            std::vector<std::string>{"JOBT          0    4    2   -1    0    2    0    1"});
+  EXPECT_EQ(Lines(s, "PHTI"),
+            (std::vector<std::string>{"PHTI      Corundum", "PHTI      Default phase"}));
+  EXPECT_EQ(Lines(s, "PHNA").at(1), "PHNA          1  0.0  0.0  1.0  0.0  0.0  1.0  0.0  1.0  0.0");
+  EXPECT_EQ(Lines(s, "SPGR").at(1), "SPGR      P 1");
+  EXPECT_EQ(Lines(s, "SCAL").at(1), "SCAL        0.1000E-01     0.000");
+  EXPECT_EQ(Lines(s, "CELL").at(1),
+            "CELL        10.00000  10.00000  10.00000  90.00000  90.00000  90.00000");
+  EXPECT_EQ(Lines(s, "ASYM").at(1), "ASYM         1.00000   0.00000   1.00000");
+  EXPECT_EQ(Lines(s, "HWTH").at(1),
+            "HWTH         0.00000   0.00000   0.02000   0.00000   0.00000   0.00000");
+  EXPECT_EQ(Lines(s, "PKSH").at(1),
+            "PKSH         0.50000   0.00000   0.00000   0.00000   0.00000   0.00000");
+  EXPECT_EQ(Lines(s, "XYZ ").at(2),
+            "XYZ       H        1  0.00000  0.00000  0.00000  1.00000  1.00000  1");
+  EXPECT_EQ(Lines(s, "CXYZ").at(2), "CXYZ H         0.000     0.000     0.000     0.000     0.000");
+  EXPECT_EQ(s.state.job.Phases(), 2);
+  // The first phase keeps its values and codewords; the project took the change.
+  const ProjectPhases after = Phases(s);
+  ExpectSamePhase(after.phases.at(0), corundum);
+  EXPECT_EQ(after.phases.at(0).cellCodes, corundum.cellCodes);
+  EXPECT_EQ(s.Read("corundum.rec"), s.Read("corundum.par"));
+  EXPECT_EQ(s.state.addPhaseSource, 1);
+}
+
+TEST(PhaseCommands, AddFromAProjectTakesItsFirstPhaseWithoutCodewords) {
+  Session s;
+  s.dir.Write("other.rec", s.Read("corundum.par"));
+  const PhaseRecords corundum = Phases(s).phases.at(0);
+  AddFrom(s, kAddPhaseProject, "other.rec");
+  const ProjectPhases after = Phases(s);
+  ASSERT_EQ(after.phases.size(), 2u);
+  ExpectSamePhase(after.phases.at(1), corundum);
+  EXPECT_EQ(after.phases.at(1).cellCodes, (std::array<float, 6>{}));
+  EXPECT_EQ(Lines(s, "CCEL").at(1),
+            "CCEL           0.000     0.000     0.000     0.000     0.000     0.000");
+
+  // A file that does not open ends the command with its line and nothing written.
+  const std::string par = s.Read("corundum.par");
+  AddFrom(s, kAddPhaseProject, "missing.rec");
+  EXPECT_TRUE(s.Logged(" Error opening rec-file missing.rec"));
+  EXPECT_EQ(s.Read("corundum.par"), par);
+}
+
+TEST(PhaseCommands, AddFromACifAppendsItsNewAtomTypes) {
+  const fs::path cif = "/work/shared/validation/iucr-cpd-qpa-round-robin/ZnO.cif";
+  if (!fs::exists(cif)) GTEST_SKIP() << "no validation data at " << cif;
+  Session s;
+  AddFrom(s, kAddPhaseCif, cif.string());
+  const ProjectPhases after = Phases(s);
+  ASSERT_EQ(after.phases.size(), 2u);
+  const PhaseRecords& zno = after.phases.at(1);
+  EXPECT_EQ(zno.title, "CIF phase");
+  EXPECT_EQ(zno.spaceGroup, "P 63 M C");
+  EXPECT_NEAR(zno.cell[0], 3.25, 0.01);
+  ASSERT_EQ(zno.atoms.size(), 2u);
+  // Zn is new and takes type 3 behind Al and O; O keeps its line.
+  EXPECT_EQ(Lines(s, "ANOM").size(), 3u);
+  EXPECT_TRUE(Lines(s, "ANOM").at(2).starts_with("ANOM      Zn"));
+  EXPECT_EQ(Lines(s, "JOBT").at(0), "JOBT          0    4    2   -1    0    3    0    1");
+  for (const PhaseAtom& atom : zno.atoms) {
+    EXPECT_EQ(atom.type, atom.label.starts_with("Zn") ? 3 : 2) << atom.label;
+    EXPECT_EQ(atom.siteFactor, 6) << atom.label;  // 3m sites of P 63 m c
+  }
+  // Every atom has its BETA line, so that the lines pair with the atoms.
+  EXPECT_EQ(Lines(s, "BETA").size(), 4u);
+}
+
+TEST(PhaseCommands, DeletingPhaseOneRenumbersPhaseTwoAndDropsSixVectorValues) {
+  Session s;
+  AddFrom(s, kAddPhaseDefaults);
+  DispatchMenu(s.shell, menu::kDeletePhase1);
+  EXPECT_TRUE(s.Logged("Phase no.  1 has been deleted"));
+  EXPECT_EQ(s.state.job.Phases(), 1);
+  EXPECT_EQ(Lines(s, "PHTI"), std::vector<std::string>{"PHTI      Default phase"});
+  EXPECT_EQ(Lines(s, "PHNA"), std::vector<std::string>{"PHNA          1  0.0  0.0  1.0"});
+  EXPECT_EQ(Lines(s, "XYZ "),
+            std::vector<std::string>{
+                "XYZ       H        1  0.00000  0.00000  0.00000  1.00000  1.00000  1"});
+  EXPECT_EQ(Lines(s, "CXYZ").size(), 1u);
+  EXPECT_EQ(Lines(s, "JOBT").at(0), "JOBT          0    4    1   -1    0    2    0    1");
+}
+
+TEST(PhaseCommands, AddStopsAtTenPhases) {
+  Session s;
+  for (int phase = 2; phase <= 10; ++phase) AddFrom(s, kAddPhaseDefaults);
+  ASSERT_EQ(Lines(s, "PHTI").size(), 10u);
+  const std::string par = s.Read("corundum.par");
+  AddFrom(s, kAddPhaseDefaults);
+  EXPECT_TRUE(s.Logged("No phase added: the project holds 10 phases already"));
+  EXPECT_EQ(s.Read("corundum.par"), par);
+}
+
+}  // namespace
+}  // namespace kaldena
