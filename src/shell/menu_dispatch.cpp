@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "shell/edit_history.h"
 #include "shell/main_window.h"
 #include "shell/preferences.h"
 #include "shell/project_lifecycle.h"
@@ -84,6 +85,8 @@ void EditControls(ShellContext& shell, const Entry& entry) {
 void EditGlobals(ShellContext& shell, const Entry& entry) {
   Run(shell, entry, shell.routines.editGlobals);
 }
+void Undo(ShellContext& shell, const Entry&) { UndoEdit(shell.state, shell.toolkit); }
+void Redo(ShellContext& shell, const Entry&) { RedoEdit(shell.state, shell.toolkit); }
 void EditPhase(ShellContext& shell, const Entry& entry) {
   if (!shell.routines.editPhase) return LogNotAvailable(shell, entry);
   shell.state.currentPhase = entry.argument;
@@ -227,6 +230,8 @@ constexpr std::array kMenu = {
     Entry{menu::kDebug, kSettings, "Debug", "", ToggleDebug},
     Entry{menu::kFrameColour, kSettings, "Select frame colour", "", FrameColour},
     Entry{menu::kPreferences, kSettings, "Preferences", "", Preferences},
+    Entry{menu::kUndo, kEdit, "Undo", "Ctrl+Z", Undo},
+    Entry{menu::kRedo, kEdit, "Redo", "Ctrl+Shift+Z", Redo},
     Entry{menu::kEditFiles, kEdit, "Files", "F5", EditFiles},
     Entry{menu::kEditControls, kEdit, "Controls", "F6", EditControls},
     Entry{menu::kEditGlobals, kEdit, "Globals", "F7", EditGlobals},

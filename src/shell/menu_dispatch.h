@@ -55,6 +55,9 @@ inline constexpr int kLogSave = 40082;
 inline constexpr int kLogSize10 = 40083;
 inline constexpr int kLogSize12 = 40084;
 inline constexpr int kFourierOptions = 40085;
+// Undo and redo of edits (edit_history.h).
+inline constexpr int kUndo = 40088;
+inline constexpr int kRedo = 40089;
 }  // namespace menu
 
 // Routines that other parts of the shell provide. Each is optional: a menu command whose

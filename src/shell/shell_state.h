@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "shell/edit_history.h"
 #include "shell/plot_state.h"
 
 namespace kaldena {
@@ -122,6 +123,8 @@ struct ShellState {
   int addPhaseSource = 2;
 
   ShellHooks hooks;
+  // Undo and redo of the open project's edits.
+  EditHistory editHistory;
 };
 
 }  // namespace kaldena

@@ -13,6 +13,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "toolkit/dialog_resources.h"
@@ -31,6 +32,9 @@ class ScriptedToolkit : public Toolkit {
     int dialog = 0;
     std::map<int, std::string> fields;
     std::vector<int> buttons{kIdOk};
+    // Grid cells typed in, by grid, column and row (from 1); a grid's cells take any text,
+    // as on screen.
+    std::map<std::tuple<int, int, int>, std::string> cells = {};
   };
 
   struct Box {

@@ -224,6 +224,12 @@ void ScriptedToolkit::TakeAnswer(const DialogAnswer& answer) {
       Field(id) = value;
     }
   }
+  for (const auto& [cell, value] : answer.cells) {
+    const auto [grid, column, row] = cell;
+    const FieldResource* field = nullptr;
+    if (AllowedCell(grid, column, row, "answer", TakesInput, field))
+      Cell(grid, column, row) = value;
+  }
   for (const int button : answer.buttons) {
     const FieldResource* field = nullptr;
     Allowed(button, "answer", IsButton, field);

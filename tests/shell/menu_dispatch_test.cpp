@@ -113,7 +113,7 @@ TEST(MenuTable, HoldsEachIdOnceWithARoutine) {
     EXPECT_NE(entry.routine, nullptr) << entry.id;
     EXPECT_EQ(FindMenuEntry(entry.id), &entry);
   }
-  EXPECT_EQ(ids.size(), 72u);
+  EXPECT_EQ(ids.size(), 74u);
   EXPECT_EQ(FindMenuEntry(menu::kFile), nullptr);  // a popup, not a command
   EXPECT_EQ(FindMenuEntry(0), nullptr);
 
@@ -274,6 +274,14 @@ std::map<int, Expectation> BuiltCommands() {
         EXPECT_TRUE(s.Exists("corundum.tab"));
         EXPECT_EQ(s.toolkit.Commands(), (std::vector<Command>{{"editor", s.Path("corundum.tab")}}));
       }};
+  // Nothing edited yet: nothing to undo or redo, and the items say so.
+  for (const int id : {menu::kUndo, menu::kRedo}) {
+    e[id] = {{}, [id](Session& s) {
+               EXPECT_TRUE(s.NewLog().empty());
+               EXPECT_EQ(s.toolkit.MenuString(id), id == menu::kUndo ? "Undo" : "Redo");
+               EXPECT_EQ(s.toolkit.MenuState(id, kMenuItemEnabled), 0);
+             }};
+  }
   e[menu::kDistances] = {
       {}, [](Session& s) {
         ASSERT_FALSE(s.NewLog().empty());

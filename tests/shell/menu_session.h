@@ -9,8 +9,8 @@
 
 #include "shell/project_lifecycle.h"
 #include "shell/tool_routines.h"
-#include "support/test_files.h"
 #include "support/checked_toolkit.h"
+#include "support/test_files.h"
 
 namespace kaldena::testing {
 
