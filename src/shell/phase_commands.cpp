@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "shell/default_project.h"
+#include "shell/edit_command.h"
 #include "shell/project_lifecycle.h"
 #include "shell/shell_services.h"
 #include "store/record_catalogue.h"
@@ -82,15 +83,15 @@ bool ReadAllPhases(ShellState& state, Toolkit& toolkit, ProjectPhases& project) 
 }
 
 // A phase of another project: the records of its first phase, not its codewords.
-bool ImportPhase(ShellState& state, Toolkit& toolkit, const std::string& file,
-                 PhaseRecords& phase) {
+bool ImportPhase(ShellState& state, Toolkit& toolkit, const std::string& file, PhaseRecords& phase,
+                 bool& anisotropic) {
   ShellReporter reporter(state, toolkit);
   RecordStore store(reporter);
   if (store.jReadRecFile(InProjectDir(state, file)) < 1) {
     LogLine(state, toolkit, " Error opening rec-file " + file);
     return false;
   }
-  const bool read = ReadFirstPhase(store, phase);
+  const bool read = ReadFirstPhase(store, phase, anisotropic);
   store.jCloseRec();
   return read;
 }
@@ -128,7 +129,6 @@ bool CifPhase(ShellState& state, Toolkit& toolkit, const std::string& file,
     atom.values = source.values;
     atom.siteFactor = source.siteFactor;
     atom.beta = source.beta;
-    atom.anisotropic = true;
     phase.atoms.push_back(atom);
   }
   return true;
@@ -157,25 +157,15 @@ std::vector<Record> LinesOfKey(const std::string& file, std::string_view key) {
   return lines;
 }
 
-// JOBT and the phase block written back, then the project updated.
+// JOBT and the phase block written back as one undo step, then the project updated.
 bool WritePhases(ShellState& state, Toolkit& toolkit, const ProjectPhases& project,
-                 bool shortVectors, const std::vector<Record>& extra = {}) {
+                 bool shortVectors, std::string_view stepName,
+                 const std::vector<Record>& extra = {}) {
   std::vector<Record> records = {JobControlsRecord(project.job)};
   const std::vector<Record> block = PhaseRecordBlock(project, shortVectors);
   records.insert(records.end(), extra.begin(), extra.end());
   records.insert(records.end(), block.begin(), block.end());
-  std::vector<std::string> emptied;
-  for (const char* key : {"XYZ ", "CXYZ", "BETA", "CBET"}) {
-    if (std::none_of(block.begin(), block.end(),
-                     [&](const Record& r) { return RecordKeyMatches(r, key); })) {
-      emptied.emplace_back(key);
-    }
-  }
-  ShellReporter reporter(state, toolkit);
-  RecordStore store(reporter);
-  if (!WriteRecordsByKey(store, InProjectDir(state, state.parameterFileName), records, emptied)) {
-    return false;
-  }
+  if (!WriteParameterRecords(state, toolkit, records, stepName)) return false;
   state.job.values[2] = project.job.phases;
   state.job.values[5] = project.job.atomTypes;
   EnablePhaseMenus(state, toolkit);
@@ -212,7 +202,9 @@ void AddPhase(ShellState& state, Toolkit& toolkit) {
   if (state.addPhaseSource == kFormDefaults) {
     added = DefaultAddedPhase();
   } else if (state.addPhaseSource == kFormProject) {
-    if (!ImportPhase(state, toolkit, state.addPhaseFile, added)) return;
+    bool anisotropic = false;
+    if (!ImportPhase(state, toolkit, state.addPhaseFile, added, anisotropic)) return;
+    project.anisotropic = project.anisotropic || anisotropic;
   } else {
     std::vector<std::string> elements = AtomTypeSymbols(state, toolkit);
     const size_t known = elements.size();
@@ -223,6 +215,7 @@ void AddPhase(ShellState& state, Toolkit& toolkit) {
     }
     for (size_t i = known; i < elements.size(); ++i) typeLines.push_back(AtomTypeLine(elements[i]));
     project.job.atomTypes = static_cast<int>(elements.size());
+    project.anisotropic = true;
   }
   project.phases.push_back(added);
   project.job.phases = phases + 1;
@@ -232,7 +225,7 @@ void AddPhase(ShellState& state, Toolkit& toolkit) {
         LinesOfKey(InProjectDir(state, state.parameterFileName), "ANOM");
     typeLines.insert(typeLines.begin(), lines.begin(), lines.end());
   }
-  if (!WritePhases(state, toolkit, project, false, typeLines)) return;
+  if (!WritePhases(state, toolkit, project, false, "Add phase", typeLines)) return;
   state.currentPhase = project.job.phases;
 }
 
@@ -245,7 +238,7 @@ void DeletePhase(ShellState& state, Toolkit& toolkit) {
   }
   project.phases.erase(project.phases.begin() + (number - 1));
   project.job.phases = static_cast<int>(project.phases.size());
-  if (!WritePhases(state, toolkit, project, true)) return;
+  if (!WritePhases(state, toolkit, project, true, "Delete phase " + std::to_string(number))) return;
   LogLine(state, toolkit, FormatLine("('Phase no. ',i2,' has been deleted')", number));
   state.currentPhase = std::min(state.currentPhase, project.job.phases);
 }

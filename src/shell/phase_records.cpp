@@ -70,7 +70,9 @@ bool ReadCodes(RecordStore& store, PhaseRecords& p, std::string& error) {
          NextValues(store, "CPKS", "(6F10.0)", p.shapeCodes, error);
 }
 
-bool ReadAtom(RecordStore& store, PhaseAtom& atom, bool codes, std::string& error) {
+// An atom's lines; `anisotropic` and `betaCoded` are set when it has BETA and CBET lines.
+bool ReadAtom(RecordStore& store, PhaseAtom& atom, bool codes, bool& anisotropic, bool& betaCoded,
+              std::string& error) {
   std::string data;
   if (store.jFindRec("XYZ ", data) == 1) {
     auto& v = atom.values;
@@ -83,8 +85,8 @@ bool ReadAtom(RecordStore& store, PhaseAtom& atom, bool codes, std::string& erro
     atom.siteFactor = std::max(atom.siteFactor, 1);
   }
   std::string label;
-  atom.anisotropic = store.jFindRec("BETA", data) == 1;
-  if (atom.anisotropic) {
+  if (store.jFindRec("BETA", data) == 1) {
+    anisotropic = true;
     auto& b = atom.beta;
     if (Read(data, "(A4,6X,6F9.0)", label, b[0], b[1], b[2], b[3], b[4], b[5]) != ReadStatus::kOk) {
       error = ErrorReading("BETA", data);
@@ -93,8 +95,8 @@ bool ReadAtom(RecordStore& store, PhaseAtom& atom, bool codes, std::string& erro
   }
   if (!codes) return true;
   if (!NextValues(store, "CXYZ", "(5F10.0)", atom.codes, error)) return false;
-  atom.betaCoded = store.jFindRec("CBET", data) == 1;
-  if (!atom.betaCoded) return true;
+  if (store.jFindRec("CBET", data) != 1) return true;
+  betaCoded = true;
   auto& c = atom.betaCodes;
   if (Read(data, "(6F10.0)", c[0], c[1], c[2], c[3], c[4], c[5]) != ReadStatus::kOk) {
     error = ErrorReading("CBET", data);
@@ -104,13 +106,14 @@ bool ReadAtom(RecordStore& store, PhaseAtom& atom, bool codes, std::string& erro
 }
 
 // One phase: its head, values and codewords, then its atoms; `codes` false leaves them 0.
-bool ReadPhase(RecordStore& store, PhaseRecords& phase, bool codes, std::string& error) {
+bool ReadPhase(RecordStore& store, PhaseRecords& phase, bool codes, ProjectPhases& project,
+               std::string& error) {
   int atoms = 0;
   if (!ReadHead(store, phase, atoms, error) || !ReadValues(store, phase, error)) return false;
   if (codes && !ReadCodes(store, phase, error)) return false;
   phase.atoms.resize(static_cast<size_t>(std::clamp(atoms, 0, kMaxAtoms)));
   for (PhaseAtom& atom : phase.atoms) {
-    if (!ReadAtom(store, atom, codes, error)) return false;
+    if (!ReadAtom(store, atom, codes, project.anisotropic, project.betaCoded, error)) return false;
   }
   return true;
 }
@@ -155,24 +158,20 @@ bool ReadProjectPhases(RecordStore& store, ProjectPhases& project, std::string& 
   }
   project.phases.assign(static_cast<size_t>(std::clamp(project.job.phases, 1, kMaxPhases)), {});
   for (PhaseRecords& phase : project.phases) {
-    if (!ReadPhase(store, phase, true, error)) return false;
+    if (!ReadPhase(store, phase, true, project, error)) return false;
   }
   return true;
 }
 
-bool ReadFirstPhase(RecordStore& store, PhaseRecords& phase) {
+bool ReadFirstPhase(RecordStore& store, PhaseRecords& phase, bool& anisotropic) {
   std::string error;
-  return ReadPhase(store, phase, false, error);
+  ProjectPhases other;
+  const bool read = ReadPhase(store, phase, false, other, error);
+  anisotropic = other.anisotropic;
+  return read;
 }
 
 std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, bool shortVectors) {
-  bool anisotropic = false, betaCoded = false;
-  for (const PhaseRecords& p : project.phases) {
-    for (const PhaseAtom& a : p.atoms) {
-      anisotropic = anisotropic || a.anisotropic;
-      betaCoded = betaCoded || a.betaCoded;
-    }
-  }
   // Each phase's lines by key, then all phases' lines of one key together.
   std::vector<std::vector<Record>> byPhase;
   for (const PhaseRecords& p : project.phases) {
@@ -187,7 +186,7 @@ std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, bool shortVec
     for (const PhaseAtom& a : p.atoms) {
       lines.push_back(AtomLine("('CXYZ ',a4,1x,5f10.3)", a.label, a.codes));
     }
-    if (betaCoded) {
+    if (project.betaCoded) {
       for (const PhaseAtom& a : p.atoms) {
         lines.push_back(AtomLine("('CBET ',a4,1x,6f10.3)", a.label, a.betaCodes));
       }
@@ -203,7 +202,7 @@ std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, bool shortVec
       lines.push_back(MakeRecord("XYZ ", "(a4,3x,i3,5f9.5,i3)", Label4(a.label), a.type, v[0], v[1],
                                  v[2], v[3], v[4], a.siteFactor));
     }
-    if (anisotropic) {
+    if (project.anisotropic) {
       for (const PhaseAtom& a : p.atoms) {
         lines.push_back(AtomLine("('BETA      ',a4,6x,6f9.5)", a.label, a.beta));
       }
@@ -226,20 +225,6 @@ std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, bool shortVec
     }
   }
   return block;
-}
-
-bool WriteRecordsByKey(RecordStore& store, const std::string& file,
-                       const std::vector<Record>& records,
-                       const std::vector<std::string>& emptied) {
-  for (size_t first = 0; first < records.size();) {
-    size_t end = first;
-    while (end < records.size() && records[end].compare(0, 4, records[first], 0, 4) == 0) ++end;
-    const std::span<const Record> lines(records.data() + first, end - first);
-    if (store.jUpdateRec(file, lines) == 0 && store.jAddRec(file, lines) == 0) return false;
-    first = end;
-  }
-  for (const std::string& key : emptied) store.jDeleteRec(file, key);
-  return true;
 }
 
 }  // namespace kaldena

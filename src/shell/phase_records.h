@@ -22,8 +22,6 @@ struct PhaseAtom {
   std::array<float, 6> beta{};    // b11, b22, b33, b12, b13, b23
   std::array<float, 5> codes{};   // codewords of x, y, z, occupancy, B
   std::array<float, 6> betaCodes{};
-  bool anisotropic = false;  // has a BETA line
-  bool betaCoded = false;    // has a CBET line
 };
 
 struct PhaseRecords {
@@ -44,6 +42,10 @@ struct PhaseRecords {
 struct ProjectPhases {
   JobControls job;
   std::vector<PhaseRecords> phases;
+  // The file holds BETA (CBET) lines: every atom gets one on writing, as their lines pair
+  // with the atoms by position.
+  bool anisotropic = false;
+  bool betaCoded = false;
 };
 
 // JOBT (the defaults of a new project when absent) and the phases of the count it gives, each
@@ -51,19 +53,12 @@ struct ProjectPhases {
 // not read.
 bool ReadProjectPhases(RecordStore& store, ProjectPhases& project, std::string& error);
 
-// The first phase's values of another project's file, without its codewords.
-bool ReadFirstPhase(RecordStore& store, PhaseRecords& phase);
+// The first phase's values of another project's file, without its codewords; `anisotropic`
+// tells whether it has BETA lines.
+bool ReadFirstPhase(RecordStore& store, PhaseRecords& phase, bool& anisotropic);
 
-// The block of all phases, key by key in the order of phase add. BETA (CBET) lines stand for
-// every atom when any atom has one, since their lines pair with the atoms by position. With
-// `shortVectors` PHNA keeps three of its nine values, as phase delete writes it.
+// The block of all phases, key by key in the order of phase add. With `shortVectors` PHNA
+// keeps three of its nine values, as phase delete writes it.
 std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, bool shortVectors);
-
-// Writes `records` key by key: the lines of a key replace those in the file, or are added
-// where the file has none; `emptied` names keys whose lines are to go. False when a write
-// failed.
-bool WriteRecordsByKey(RecordStore& store, const std::string& file,
-                       const std::vector<Record>& records,
-                       const std::vector<std::string>& emptied = {});
 
 }  // namespace kaldena

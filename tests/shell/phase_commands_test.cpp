@@ -155,6 +155,18 @@ TEST(PhaseCommands, DeletingPhaseOneRenumbersPhaseTwoAndDropsSixVectorValues) {
   EXPECT_EQ(Lines(s, "JOBT").at(0), "JOBT          0    4    1   -1    0    2    0    1");
 }
 
+TEST(PhaseCommands, EachAddAndDeleteIsOneUndoStep) {
+  Session s;
+  const std::string one = s.Read("corundum.par");
+  AddFrom(s, kAddPhaseDefaults);
+  const std::string two = s.Read("corundum.par");
+  DispatchMenu(s.shell, menu::kDeletePhase1);
+  DispatchMenu(s.shell, menu::kUndo);
+  EXPECT_EQ(s.Read("corundum.par"), two);
+  DispatchMenu(s.shell, menu::kUndo);
+  EXPECT_EQ(s.Read("corundum.par"), one);
+}
+
 TEST(PhaseCommands, AddStopsAtTenPhases) {
   Session s;
   for (int phase = 2; phase <= 10; ++phase) AddFrom(s, kAddPhaseDefaults);
