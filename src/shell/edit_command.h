@@ -76,6 +76,11 @@ class DialogValues {
   std::string CellText(int grid, int column, int row);
 
   bool Good() const { return problem_.empty(); }
+  // A value that the dialog's own test refuses (a symbol that does not read, say), unless an
+  // earlier one was bad.
+  void Refuse(std::string_view problem) {
+    if (problem_.empty()) problem_ = problem;
+  }
   // Shows the box of the first bad value, title "Error ", and returns true when there was one.
   bool ReportBad();
 

@@ -159,10 +159,10 @@ std::vector<Record> LinesOfKey(const std::string& file, std::string_view key) {
 
 // JOBT and the phase block written back as one undo step, then the project updated.
 bool WritePhases(ShellState& state, Toolkit& toolkit, const ProjectPhases& project,
-                 bool shortVectors, std::string_view stepName,
+                 PhaseBlockWriter writer, std::string_view stepName,
                  const std::vector<Record>& extra = {}) {
   std::vector<Record> records = {JobControlsRecord(project.job)};
-  const std::vector<Record> block = PhaseRecordBlock(project, shortVectors);
+  const std::vector<Record> block = PhaseRecordBlock(project, writer);
   records.insert(records.end(), extra.begin(), extra.end());
   records.insert(records.end(), block.begin(), block.end());
   if (!WriteParameterRecords(state, toolkit, records, stepName)) return false;
@@ -225,7 +225,7 @@ void AddPhase(ShellState& state, Toolkit& toolkit) {
         LinesOfKey(InProjectDir(state, state.parameterFileName), "ANOM");
     typeLines.insert(typeLines.begin(), lines.begin(), lines.end());
   }
-  if (!WritePhases(state, toolkit, project, false, "Add phase", typeLines)) return;
+  if (!WritePhases(state, toolkit, project, PhaseBlockWriter::kAdd, "Add phase", typeLines)) return;
   state.currentPhase = project.job.phases;
 }
 
@@ -238,7 +238,9 @@ void DeletePhase(ShellState& state, Toolkit& toolkit) {
   }
   project.phases.erase(project.phases.begin() + (number - 1));
   project.job.phases = static_cast<int>(project.phases.size());
-  if (!WritePhases(state, toolkit, project, true, "Delete phase " + std::to_string(number))) return;
+  if (!WritePhases(state, toolkit, project, PhaseBlockWriter::kDelete,
+                   "Delete phase " + std::to_string(number)))
+    return;
   LogLine(state, toolkit, FormatLine("('Phase no. ',i2,' has been deleted')", number));
   state.currentPhase = std::min(state.currentPhase, project.job.phases);
 }

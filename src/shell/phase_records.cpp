@@ -5,6 +5,7 @@
 
 #include "store/job_records.h"
 #include "store/record_catalogue.h"
+#include "util/cell.h"
 #include "util/column_format.h"
 #include "util/text.h"
 
@@ -137,15 +138,30 @@ Record AtomLine(std::string_view layout, const std::string& label, const std::ar
   return LayoutRecord(layout, args);
 }
 
-void AppendHead(const PhaseRecords& p, bool shortVectors, std::vector<Record>& out) {
+void AppendHead(const PhaseRecords& p, PhaseBlockWriter writer, std::vector<Record>& out) {
   out.push_back(TextRecord("PHTI", p.title));
   const auto& v = p.vectors;
   const int atoms = static_cast<int>(p.atoms.size());
-  out.push_back(shortVectors ? MakeRecord("PHNA", "(i5,3f5.1)", atoms, v[0], v[1], v[2])
-                             : MakeRecord("PHNA", "(i5,9f5.1)", atoms, v[0], v[1], v[2], v[3], v[4],
-                                          v[5], v[6], v[7], v[8]));
-  out.push_back(MakeRecord("PHMW", "(i5,f10.2)", p.formulaUnits, p.formulaWeight));
+  out.push_back(writer == PhaseBlockWriter::kDelete
+                    ? MakeRecord("PHNA", "(i5,3f5.1)", atoms, v[0], v[1], v[2])
+                    : MakeRecord("PHNA", "(i5,9f5.1)", atoms, v[0], v[1], v[2], v[3], v[4], v[5],
+                                 v[6], v[7], v[8]));
+  out.push_back(writer == PhaseBlockWriter::kDialog
+                    ? MakeRecord("PHMW", "(i5,3f10.2)", p.formulaUnits, p.formulaWeight,
+                                 PhaseVolume(p), PhaseDensity(p))
+                    : MakeRecord("PHMW", "(i5,f10.2)", p.formulaUnits, p.formulaWeight));
   out.push_back(TextRecord("SPGR", p.spaceGroup));
+}
+
+Record AtomPositionLine(const PhaseAtom& a, PhaseBlockWriter writer) {
+  const auto& v = a.values;
+  const auto& c = a.coupling;
+  if (writer != PhaseBlockWriter::kDialog) {
+    return MakeRecord("XYZ ", "(a4,3x,i3,5f9.5,i3)", Label4(a.label), a.type, v[0], v[1], v[2],
+                      v[3], v[4], a.siteFactor);
+  }
+  return MakeRecord("XYZ ", "(a4,3x,i3,5f9.5,4i3)", Label4(a.label), a.type, v[0], v[1], v[2], v[3],
+                    v[4], a.siteFactor, c[0], c[1], c[2]);
 }
 
 }  // namespace
@@ -171,12 +187,25 @@ bool ReadFirstPhase(RecordStore& store, PhaseRecords& phase, bool& anisotropic) 
   return read;
 }
 
-std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, bool shortVectors) {
+float PhaseVolume(const PhaseRecords& phase) {
+  const auto& c = phase.cell;
+  return CellVolume({c[0], c[1], c[2], c[3], c[4], c[5]});
+}
+
+float PhaseDensity(const PhaseRecords& phase) {
+  const float volume = PhaseVolume(phase);
+  // Z M / (N_A V), with V in A^3: 1 / 0.60221 g/cm^3 per g/mol and A^3.
+  return volume > 0
+             ? static_cast<float>(phase.formulaUnits) * phase.formulaWeight / (0.60221f * volume)
+             : 0.0f;
+}
+
+std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, PhaseBlockWriter writer) {
   // Each phase's lines by key, then all phases' lines of one key together.
   std::vector<std::vector<Record>> byPhase;
   for (const PhaseRecords& p : project.phases) {
     std::vector<Record> lines;
-    AppendHead(p, shortVectors, lines);
+    AppendHead(p, writer, lines);
     lines.push_back(Values("CSCA", "(2f10.3)", p.scaleCodes));
     lines.push_back(Values("CCEL", "(6f10.3)", p.cellCodes));
     lines.push_back(Values("CASY", "(3f10.3)", p.asymCodes));
@@ -197,11 +226,7 @@ std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, bool shortVec
     lines.push_back(Values("HWTH", "(6f10.5)", p.widths));
     lines.push_back(Values("STSZ", "(2f10.5)", p.strainSize));
     lines.push_back(Values("PKSH", "(6f10.5)", p.shape));
-    for (const PhaseAtom& a : p.atoms) {
-      const auto& v = a.values;
-      lines.push_back(MakeRecord("XYZ ", "(a4,3x,i3,5f9.5,i3)", Label4(a.label), a.type, v[0], v[1],
-                                 v[2], v[3], v[4], a.siteFactor));
-    }
+    for (const PhaseAtom& a : p.atoms) lines.push_back(AtomPositionLine(a, writer));
     if (project.anisotropic) {
       for (const PhaseAtom& a : p.atoms) {
         lines.push_back(AtomLine("('BETA      ',a4,6x,6f9.5)", a.label, a.beta));

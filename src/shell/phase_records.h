@@ -57,8 +57,15 @@ bool ReadProjectPhases(RecordStore& store, ProjectPhases& project, std::string& 
 // tells whether it has BETA lines.
 bool ReadFirstPhase(RecordStore& store, PhaseRecords& phase, bool& anisotropic);
 
-// The block of all phases, key by key in the order of phase add. With `shortVectors` PHNA
-// keeps three of its nine values, as phase delete writes it.
-std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, bool shortVectors);
+// Who writes the block: phase add, phase delete (PHNA keeps three of its nine values) or the
+// phase dialog (XYZ with its coupling codes, PHMW with cell volume and density).
+enum class PhaseBlockWriter { kAdd, kDelete, kDialog };
+
+// The block of all phases, key by key in the order of phase add, by the writer's layouts.
+std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, PhaseBlockWriter writer);
+
+// Cell volume in A^3, and density in g/cm^3 from the formula weight and Z (0 for no cell).
+float PhaseVolume(const PhaseRecords& phase);
+float PhaseDensity(const PhaseRecords& phase);
 
 }  // namespace kaldena

@@ -6,6 +6,7 @@
 #include "shell/option_dialogs.h"
 #include "shell/peak_dialog.h"
 #include "shell/phase_commands.h"
+#include "shell/phase_dialog.h"
 #include "shell/plot_dialogs.h"
 #include "shell/plot_window.h"
 #include "shell/project_lifecycle.h"
@@ -51,6 +52,7 @@ ShellRoutines ToolRoutines() {
   r.cifRawReport = WriteRawReportOfProject;
   r.crystallinity = CrystallinityDialog;
   r.addAtoms = AddAtomsDialog;
+  r.editPhase = EditPhaseDialog;
   r.addPhase = AddPhase;
   r.deletePhase = DeletePhase;
   r.writeStructureCif = [](ShellState& state, Toolkit& toolkit, const std::string& parameters,

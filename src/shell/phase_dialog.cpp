@@ -1,0 +1,189 @@
+// The phase dialog over the block of all phases: only the current phase changes, and the
+// block is written again since its lines stand by position.
+#include "shell/phase_dialog.h"
+
+#include <algorithm>
+
+#include "crystal/space_group.h"
+#include "crystal/symbol_tables.h"
+#include "shell/edit_command.h"
+#include "shell/phase_records.h"
+#include "shell/shell_services.h"
+#include "util/column_format.h"
+#include "util/text.h"
+
+namespace kaldena {
+
+namespace {
+
+// A refinable value of the phase and its codeword, by the dialog's running number.
+struct ValueSlot {
+  float* value;
+  float* code;
+};
+
+std::array<ValueSlot, kPhaseValueCount> Slots(PhaseRecords& p) {
+  std::array<ValueSlot, kPhaseValueCount> slots{};
+  int k = 0;
+  auto add = [&](auto& values, auto& codes) {
+    for (size_t i = 0; i < values.size(); ++i) slots[k++] = {&values[i], &codes[i]};
+  };
+  add(p.scale, p.scaleCodes);
+  add(p.asym, p.asymCodes);
+  add(p.cell, p.cellCodes);
+  add(p.widths, p.widthCodes);
+  add(p.strainSize, p.strainSizeCodes);
+  add(p.shape, p.shapeCodes);
+  return slots;
+}
+
+// The grid's real columns of an atom, from column 3 on.
+std::array<float*, kAtomGridColumns - 2> AtomCells(PhaseAtom& a) {
+  std::array<float*, kAtomGridColumns - 2> cells{};
+  int k = 0;
+  for (float& v : a.values) cells[k++] = &v;
+  for (float& v : a.codes) cells[k++] = &v;
+  for (float& v : a.beta) cells[k++] = &v;
+  for (float& v : a.betaCodes) cells[k++] = &v;
+  return cells;
+}
+
+void ShowVolumeAndDensity(Toolkit& toolkit, const PhaseRecords& p) {
+  toolkit.WDialogPutString(kPhaseVolume, FormatLine("(f10.2)", PhaseVolume(p)));
+  toolkit.WDialogPutString(kPhaseDensity, FormatLine("(f10.4)", PhaseDensity(p)));
+}
+
+void PutPhase(Toolkit& toolkit, PhaseRecords p) {
+  toolkit.WDialogPutString(kPhaseTitle, p.title);
+  toolkit.WDialogPutString(kPhaseSpaceGroup, p.spaceGroup);
+  for (int i = 0; i < 3; ++i) toolkit.WDialogPutReal(kPhaseVoigtVector + i, p.vectors[3 + i]);
+  toolkit.WDialogPutReal(kPhaseFormulaWeight, p.formulaWeight);
+  toolkit.WDialogPutInteger(kPhaseMultiplicity, p.formulaUnits);
+  ShowVolumeAndDensity(toolkit, p);
+  const auto slots = Slots(p);
+  for (int k = 0; k < kPhaseValueCount; ++k) {
+    toolkit.WDialogPutReal(kPhaseValueFirst + k, *slots[k].value);
+    toolkit.WDialogPutCheckBox(kPhaseRefineFirst + k, *slots[k].code != 0 ? 1 : 0);
+    toolkit.WDialogPutReal(kPhaseCodeFirst + k, *slots[k].code);
+  }
+  const int rows = std::min(static_cast<int>(p.atoms.size()), kAtomGridRows);
+  toolkit.WGridRows(kPhaseAtomGrid, rows);
+  for (int row = 1; row <= rows; ++row) {
+    PhaseAtom& a = p.atoms[row - 1];
+    toolkit.WGridLabelRow(kPhaseAtomGrid, row, Trimmed(a.label));
+    toolkit.WGridPutCellString(kPhaseAtomGrid, 1, row, Trimmed(a.label));
+    toolkit.WGridPutCellInteger(kPhaseAtomGrid, 2, row, a.type);
+    const auto cells = AtomCells(a);
+    for (size_t c = 0; c < cells.size(); ++c) {
+      toolkit.WGridPutCellReal(kPhaseAtomGrid, static_cast<int>(c) + 3, row, *cells[c]);
+    }
+  }
+}
+
+// The symbol in the program's form; false when the symbol reader refuses it.
+bool NormalisedSymbol(std::string_view typed, std::string& symbol) {
+  const std::string text(Trimmed(typed));
+  symbol = ConvertPrintedSymbol(text);
+  SpaceGroupInfo info;
+  return ParseSpaceGroupSymbol(symbol, info) == SymbolStatus::kOk;
+}
+
+// The dialog's values into the phase; codes by the codeword rule.
+void TakePhase(Toolkit& toolkit, DialogValues& values, CodewordNumbering codes, PhaseRecords& p) {
+  p.title = values.Text(kPhaseTitle);
+  if (Trimmed(p.title).empty()) p.title = "untitled";
+  const std::string typed = values.Text(kPhaseSpaceGroup);
+  if (!NormalisedSymbol(typed, p.spaceGroup)) {
+    values.Refuse("Spacegroup: " + std::string(Trimmed(typed)) + " is no space group symbol");
+  }
+  for (int i = 0; i < 3; ++i) {
+    p.vectors[3 + i] = static_cast<float>(values.Real(kPhaseVoigtVector + i));
+  }
+  p.formulaWeight = static_cast<float>(values.Real(kPhaseFormulaWeight));
+  p.formulaUnits = values.Integer(kPhaseMultiplicity);
+  const auto slots = Slots(p);
+  for (int k = 0; k < kPhaseValueCount; ++k) {
+    *slots[k].value = static_cast<float>(values.Real(kPhaseValueFirst + k));
+    const bool refine = toolkit.WDialogGetCheckBox(kPhaseRefineFirst + k) != 0;
+    *slots[k].code = codes.Take(refine, values.Real(kPhaseCodeFirst + k));
+  }
+  const int rows = std::min(static_cast<int>(p.atoms.size()), kAtomGridRows);
+  for (int row = 1; row <= rows; ++row) {
+    PhaseAtom& a = p.atoms[row - 1];
+    a.label = values.CellText(kPhaseAtomGrid, 1, row);
+    a.type = values.CellInteger(kPhaseAtomGrid, 2, row);
+    const auto cells = AtomCells(a);
+    for (size_t c = 0; c < cells.size(); ++c) {
+      *cells[c] = static_cast<float>(values.CellReal(kPhaseAtomGrid, static_cast<int>(c) + 3, row));
+    }
+  }
+}
+
+// Dialog 125: a shift added to the coordinates in the grid. Offered for the groups with a
+// choice of origin.
+void ChangeOrigin(Toolkit& toolkit, int atoms) {
+  const std::string symbol = toolkit.WDialogGetString(kPhaseSpaceGroup);
+  if (OriginChoiceIndex(symbol) == 0) {
+    ShowMessage(toolkit, "Change origin", "This space group has one origin");
+    return;
+  }
+  toolkit.WDialogLoad(kChangeOriginDialog);
+  std::array<double, 3> shift{};
+  if (!RunSubDialog(toolkit, kChangeOriginDialog, kPhaseDialog, [&](DialogValues& values) {
+        for (int i = 0; i < 3; ++i) shift[i] = values.Real(kOriginShiftFirst + i);
+      })) {
+    return;
+  }
+  for (int row = 1; row <= std::min(atoms, kAtomGridRows); ++row) {
+    for (int i = 0; i < 3; ++i) {
+      const double x = toolkit.WGridGetCellReal(kPhaseAtomGrid, 3 + i, row);
+      toolkit.WGridPutCellReal(kPhaseAtomGrid, 3 + i, row, x + shift[i]);
+    }
+  }
+}
+
+}  // namespace
+
+void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
+  const int number = state.currentPhase;
+  EditCommand edit(state, toolkit, "Edit phase " + std::to_string(number));
+  ProjectPhases project;
+  std::string error;
+  if (!edit.Read([&](RecordStore& store) {
+        if (!ReadProjectPhases(store, project, error)) LogLine(state, toolkit, error);
+      }) ||
+      !error.empty() || number < 1 || number > static_cast<int>(project.phases.size())) {
+    return;
+  }
+  PhaseRecords& phase = project.phases[number - 1];
+  const CodewordNumbering codes(HighestCodewordGroup(state, toolkit));
+  const int atoms = static_cast<int>(phase.atoms.size());
+  if (atoms > kAtomGridRows) {
+    ShowMessage(toolkit, "Atoms",
+                "The grid shows the first 200 atoms; the others stay as they are on OK");
+  }
+  edit.Load(kPhaseDialog);
+  PutPhase(toolkit, phase);
+  PhaseRecords edited;
+  const int result = edit.Run(
+      [&](int button) {
+        if (button == kPhaseOriginButton) ChangeOrigin(toolkit, atoms);
+        return -1;
+      },
+      [&](DialogValues& values) {
+        edited = phase;
+        TakePhase(toolkit, values, codes, edited);
+      });
+  if (result == kEditCancelled) return;
+  phase = edited;
+  for (const PhaseAtom& a : phase.atoms) {
+    const auto typed = [](const std::array<float, 6>& v) {
+      return std::any_of(v.begin(), v.end(), [](float x) { return x != 0; });
+    };
+    project.anisotropic = project.anisotropic || typed(a.beta);
+    project.betaCoded = project.betaCoded || typed(a.betaCodes);
+  }
+  edit.Write(PhaseRecordBlock(project, PhaseBlockWriter::kDialog));
+}
+
+}  // namespace kaldena

@@ -1,0 +1,32 @@
+// The phase dialog, "Edit parameters and codewords": the head of state.currentPhase, each of
+// its refinable values with a refine box and code, and the grid of its atoms, with the change
+// of origin as a sub-dialog.
+#pragma once
+
+#include "shell/shell_state.h"
+#include "toolkit/toolkit.h"
+
+namespace kaldena {
+
+inline constexpr int kPhaseDialog = 113;
+inline constexpr int kPhaseTitle = 1190, kPhaseSpaceGroup = 1191;
+inline constexpr int kPhaseVoigtVector = 1192;  // to 1194
+inline constexpr int kPhaseFormulaWeight = 1195, kPhaseMultiplicity = 1196;
+inline constexpr int kPhaseVolume = 1197, kPhaseDensity = 1198;
+inline constexpr int kPhaseAtomGrid = 1199;
+inline constexpr int kPhaseOriginButton = 1186, kPhaseRestraintsButton = 1187;
+// The refinable values in order: scale, overall B, ASYM (3), CELL (6), HWTH (6), STSZ (2),
+// PKSH (6); each with its value field, refine box and code field.
+inline constexpr int kPhaseValueFirst = 1200, kPhaseRefineFirst = 1250, kPhaseCodeFirst = 1300;
+inline constexpr int kPhaseValueCount = 25;
+// Atom grid columns: label, type, x, y, z, occupancy, B, their five codes, the six betas and
+// their six codes.
+inline constexpr int kAtomGridColumns = 24;
+inline constexpr int kAtomGridRows = 200;
+
+inline constexpr int kChangeOriginDialog = 125;
+inline constexpr int kOriginShiftFirst = 1369;  // to 1371
+
+void EditPhaseDialog(ShellState& state, Toolkit& toolkit);
+
+}  // namespace kaldena

@@ -1,0 +1,189 @@
+// The phase dialog on a small spinel parameter file of its own, and on the refined example.
+#include "shell/phase_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "shell/menu_session.h"
+#include "shell/phase_records.h"
+#include "shell/shell_fixture.h"
+#include "util/text.h"
+
+namespace kaldena {
+namespace {
+
+constexpr std::string_view kSpinel =
+    "JOBT          0    4    1   -1    0    2    0    1\n"
+    "PHTI      Spinel\n"
+    "PHNA          2  0.0  0.0  1.0  0.0  0.0  1.0  0.0  0.0  1.0\n"
+    "PHMW          8    142.27\n"
+    "SPGR      F D 3 M\n"
+    "SCAL       0.1000E-02     0.000\n"
+    "CSCA          11.000     0.000\n"
+    "CELL         8.08000   8.08000   8.08000  90.00000  90.00000  90.00000\n"
+    "HWTH         0.00000   0.00000   0.03000\n"
+    "PKSH         0.50000   0.00000   0.00000\n"
+    "XYZ       Mg     1  0.12500  0.12500  0.12500  1.00000  0.50000 12  0  0  0\n"
+    "XYZ       O      2  0.26000  0.26000  0.26000  1.00000  0.80000  6  2  2  0\n"
+    "CXYZ Mg         0.000     0.000     0.000     0.000     0.000\n"
+    "CXYZ O         21.000    21.000    21.000     0.000     0.000\n"
+    "LIMP        5      0.01\n";
+
+struct PhaseFixture : testing::ShellFixture {
+  PhaseFixture() {
+    dir.Write("p.par", std::string(kSpinel));
+    state.projectFileName = "p.rec";
+    state.projectDir = dir.Path().string() + "/";
+    state.parameterFileName = "p.par";
+    state.currentPhase = 1;
+  }
+  // The file's lines without trailing blanks.
+  std::string Text() const {
+    std::string text;
+    for (std::string_view line : SplitLines(Read("p.par"))) text += StrippedText(line) + "\n";
+    return text;
+  }
+  static std::vector<std::string_view> SplitLines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    for (size_t start = 0; start < text.size();) {
+      const size_t end = std::min(text.find('\n', start), text.size());
+      lines.push_back(text.substr(start, end - start));
+      start = end + 1;
+    }
+    return lines;
+  }
+  bool BoxShown(std::string_view title, std::string_view part) const {
+    for (const auto& box : toolkit.Boxes()) {
+      if (box.title == title && box.text.find(part) != std::string::npos) return true;
+    }
+    return false;
+  }
+};
+
+TEST(PhaseDialog, CancelKeepsTheFileAndOkWritesThePhaseBlock) {
+  PhaseFixture f;
+  f.toolkit.QueueDialog({kPhaseDialog, {{kPhaseValueFirst + 5, "8.1"}}, {kIdCancel}});
+  EditPhaseDialog(f.state, f.toolkit);
+  EXPECT_EQ(f.Read("p.par"), kSpinel);
+  // Shown: the values, the codes' boxes, the volume and density, the atoms by name.
+  EXPECT_EQ(f.toolkit.DialogField(kPhaseDialog, kPhaseVolume), "    527.51");
+  EXPECT_EQ(f.toolkit.DialogField(kPhaseDialog, kPhaseDensity), "    3.5828");
+  EXPECT_EQ(f.toolkit.DialogField(kPhaseDialog, kPhaseRefineFirst), "1");
+  EXPECT_EQ(f.toolkit.DialogField(kPhaseDialog, kPhaseRefineFirst + 1), "0");
+
+  // OK with a new cell edge and the overall B switched on: a new group behind groups 1 and 2.
+  f.toolkit.QueueDialog(
+      {kPhaseDialog, {{kPhaseValueFirst + 5, "8.1"}, {kPhaseRefineFirst + 1, "1"}}, {kIdOk}});
+  EditPhaseDialog(f.state, f.toolkit);
+  EXPECT_EQ(f.Text(),
+            "JOBT          0    4    1   -1    0    2    0    1\n"
+            "PHTI      Spinel\n"
+            "PHNA          2  0.0  0.0  1.0  0.0  0.0  1.0  0.0  0.0  1.0\n"
+            "PHMW          8    142.27    528.82      3.57\n"
+            "SPGR      F D 3 M\n"
+            "SCAL        0.1000E-02     0.000\n"
+            "CSCA          11.000    31.000\n"
+            "CELL         8.10000   8.08000   8.08000  90.00000  90.00000  90.00000\n"
+            "HWTH         0.00000   0.00000   0.03000   0.00000   0.00000   0.00000\n"
+            "PKSH         0.50000   0.00000   0.00000   0.00000   0.00000   0.00000\n"
+            "XYZ       Mg       1  0.12500  0.12500  0.12500  1.00000  0.50000 12  0  0  0\n"
+            "XYZ       O        2  0.26000  0.26000  0.26000  1.00000  0.80000  6  2  2  0\n"
+            "CXYZ Mg        0.000     0.000     0.000     0.000     0.000\n"
+            "CXYZ O        21.000    21.000    21.000     0.000     0.000\n"
+            "LIMP        5      0.01\n"
+            "CCEL           0.000     0.000     0.000     0.000     0.000     0.000\n"
+            "CASY           0.000     0.000     0.000\n"
+            "CHWT           0.000     0.000     0.000     0.000     0.000     0.000\n"
+            "CSTS           0.000     0.000\n"
+            "CPKS           0.000     0.000     0.000     0.000     0.000     0.000\n"
+            "ASYM         0.00000   0.00000   0.00000\n"
+            "STSZ         0.00000   0.00000\n");
+}
+
+TEST(PhaseDialog, ABadValueInAFieldInAGridRowOrTheSymbolGivesItsBoxAndWritesNothing) {
+  PhaseFixture f;
+  const auto refused = [&](testing::CheckedToolkit::DialogAnswer answer, std::string_view part) {
+    f.toolkit.ClearRecords();
+    answer.dialog = kPhaseDialog;
+    answer.buttons = {kIdOk, kIdCancel};
+    f.toolkit.QueueDialog(answer);
+    EditPhaseDialog(f.state, f.toolkit);
+    EXPECT_EQ(f.Read("p.par"), kSpinel) << part;
+    EXPECT_TRUE(f.BoxShown("Error ", part)) << part;
+  };
+  refused({0, {{kPhaseValueFirst + 5, "123456789"}}}, "does not fit");
+  refused({0, {}, {}, {{{kPhaseAtomGrid, 3, 2}, "12345"}}}, "row 2");
+  refused({0, {{kPhaseSpaceGroup, "Q 9"}}}, "Spacegroup");
+}
+
+TEST(PhaseDialog, ChangeOfOriginMovesEveryAtomByTheShift) {
+  PhaseFixture f;
+  f.toolkit.QueueDialog({kPhaseDialog, {}, {kPhaseOriginButton, kIdOk}});
+  f.toolkit.QueueDialog({kChangeOriginDialog,
+                         {{kOriginShiftFirst, "0.125"},
+                          {kOriginShiftFirst + 1, "0.125"},
+                          {kOriginShiftFirst + 2, "-0.125"}}});
+  EditPhaseDialog(f.state, f.toolkit);
+  const std::string text = f.Text();
+  EXPECT_NE(text.find("XYZ       Mg       1  0.25000  0.25000  0.00000"), std::string::npos)
+      << text;
+  EXPECT_NE(text.find("XYZ       O        2  0.38500  0.38500  0.13500"), std::string::npos)
+      << text;
+}
+
+TEST(PhaseDialog, MoreThanTwoHundredAtomsKeepTheRest) {
+  PhaseFixture f;
+  std::string par = "PHNA        201\nSPGR      P 1\nCELL        10.0 10.0 10.0 90.0 90.0 90.0\n";
+  for (int i = 1; i <= 201; ++i) {
+    par += Format("('XYZ       ',a4,3x,i3,5f9.5,4i3)", "C" + std::to_string(i), 1, 0.001f * i, 0.0f,
+                  0.0f, 1.0f, 1.0f, 1, 0, 0, 0);
+  }
+  f.dir.Write("p.par", par);
+  f.toolkit.QueueDialog({kPhaseDialog, {}, {kIdOk}});
+  EditPhaseDialog(f.state, f.toolkit);
+  EXPECT_TRUE(f.BoxShown("Atoms", "first 200"));
+  EXPECT_NE(f.Text().find("XYZ       C201     1  0.20100"), std::string::npos);
+}
+
+TEST(PhaseDialog, OkWithoutAChangeKeepsEveryValueOfTheRefinedExample) {
+  testing::Session s;
+  auto phases = [&] {
+    RecordingReporter reporter;
+    RecordStore store(reporter);
+    EXPECT_GT(store.jReadRecFile((s.dir.Path() / "corundum.par").string()), 0);
+    ProjectPhases project;
+    std::string error;
+    EXPECT_TRUE(ReadProjectPhases(store, project, error)) << error;
+    return project.phases.at(0);
+  };
+  const PhaseRecords before = phases();
+  s.toolkit.QueueDialog({kPhaseDialog, {}, {kIdOk}});
+  DispatchMenu(s.shell, menu::kEditPhase1);
+  const PhaseRecords after = phases();
+  EXPECT_EQ(after.title, before.title);
+  EXPECT_EQ(after.spaceGroup, before.spaceGroup);
+  EXPECT_EQ(after.vectors, before.vectors);
+  EXPECT_EQ(after.cellCodes, before.cellCodes);
+  EXPECT_EQ(after.scaleCodes, before.scaleCodes);
+  // Within the digits of the dialog's layouts: f10.5, f9.5 and the four of e12.4.
+  auto near = [](const auto& a, const auto& b) {
+    for (size_t i = 0; i < a.size(); ++i) EXPECT_NEAR(a[i], b[i], 1e-4 * std::abs(b[i]) + 6e-6);
+  };
+  near(after.cell, before.cell);
+  near(after.scale, before.scale);
+  near(after.widths, before.widths);
+  near(after.shape, before.shape);
+  ASSERT_EQ(after.atoms.size(), before.atoms.size());
+  for (size_t i = 0; i < after.atoms.size(); ++i) {
+    EXPECT_EQ(after.atoms[i].label, before.atoms[i].label);
+    EXPECT_EQ(after.atoms[i].type, before.atoms[i].type);
+    EXPECT_EQ(after.atoms[i].siteFactor, before.atoms[i].siteFactor);
+    EXPECT_EQ(after.atoms[i].coupling, before.atoms[i].coupling);
+    EXPECT_EQ(after.atoms[i].codes, before.atoms[i].codes);
+    near(after.atoms[i].values, before.atoms[i].values);
+  }
+}
+
+}  // namespace
+}  // namespace kaldena
