@@ -211,7 +211,10 @@ int EditCommand::Run(const std::function<int(int button)>& pressed,
   int result = kEditCancelled;
   for (;;) {
     const int button = NextDialogButton(toolkit_);
-    if (button == 0 || button == kIdCancel) break;
+    if (button == 0 || button == kIdCancel) {
+      result = kEditCancelled;  // also after a sub-dialog's button left -1 here
+      break;
+    }
     result = button == kIdOk ? kEditAccepted : pressed ? pressed(button) : -1;
     toolkit_.WDialogSelect(dialog_);
     if (result < 0) continue;

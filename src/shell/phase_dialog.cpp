@@ -8,6 +8,7 @@
 #include "crystal/symbol_tables.h"
 #include "shell/edit_command.h"
 #include "shell/phase_records.h"
+#include "shell/restraint_dialog.h"
 #include "shell/shell_services.h"
 #include "util/column_format.h"
 #include "util/text.h"
@@ -148,9 +149,11 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
   const int number = state.currentPhase;
   EditCommand edit(state, toolkit, "Edit phase " + std::to_string(number));
   ProjectPhases project;
+  RestraintSet restraints;
   std::string error;
   if (!edit.Read([&](RecordStore& store) {
         if (!ReadProjectPhases(store, project, error)) LogLine(state, toolkit, error);
+        restraints = ReadRestraintSet(store);
       }) ||
       !error.empty() || number < 1 || number > static_cast<int>(project.phases.size())) {
     return;
@@ -165,16 +168,21 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
   edit.Load(kPhaseDialog);
   PutPhase(toolkit, phase);
   PhaseRecords edited;
+  bool restraintsSetUp = false;
   const int result = edit.Run(
       [&](int button) {
         if (button == kPhaseOriginButton) ChangeOrigin(toolkit, atoms);
+        if (button == kPhaseRestraintsButton) {
+          restraintsSetUp =
+              SetUpRestraints(toolkit, phase, kPhaseDialog, restraints) || restraintsSetUp;
+        }
         return -1;
       },
       [&](DialogValues& values) {
         edited = phase;
         TakePhase(toolkit, values, codes, edited);
       });
-  if (result == kEditCancelled) return;
+  if (result != kEditAccepted) return;
   phase = edited;
   for (const PhaseAtom& a : phase.atoms) {
     const auto typed = [](const std::array<float, 6>& v) {
@@ -183,7 +191,12 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
     project.anisotropic = project.anisotropic || typed(a.beta);
     project.betaCoded = project.betaCoded || typed(a.betaCodes);
   }
-  edit.Write(PhaseRecordBlock(project, PhaseBlockWriter::kDialog));
+  std::vector<Record> records = PhaseRecordBlock(project, PhaseBlockWriter::kDialog);
+  if (restraintsSetUp) {
+    const std::vector<Record> lines = RestraintSetRecords(restraints);
+    records.insert(records.end(), lines.begin(), lines.end());
+  }
+  edit.Write(records);
 }
 
 }  // namespace kaldena

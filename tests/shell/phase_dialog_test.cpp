@@ -119,6 +119,12 @@ TEST(PhaseDialog, ABadValueInAFieldInAGridRowOrTheSymbolGivesItsBoxAndWritesNoth
 
 TEST(PhaseDialog, ChangeOfOriginMovesEveryAtomByTheShift) {
   PhaseFixture f;
+  // Cancel after the shift: the file stays.
+  f.toolkit.QueueDialog({kPhaseDialog, {}, {kPhaseOriginButton, kIdCancel}});
+  f.toolkit.QueueDialog({kChangeOriginDialog, {{kOriginShiftFirst, "0.125"}}});
+  EditPhaseDialog(f.state, f.toolkit);
+  EXPECT_EQ(f.Read("p.par"), kSpinel);
+
   f.toolkit.QueueDialog({kPhaseDialog, {}, {kPhaseOriginButton, kIdOk}});
   f.toolkit.QueueDialog({kChangeOriginDialog,
                          {{kOriginShiftFirst, "0.125"},
