@@ -4,12 +4,16 @@
 
 #include <algorithm>
 
+#include "crystal/elements.h"
 #include "crystal/space_group.h"
 #include "crystal/symbol_tables.h"
+#include "shell/atom_site.h"
+#include "shell/default_project.h"
 #include "shell/edit_command.h"
 #include "shell/phase_records.h"
 #include "shell/restraint_dialog.h"
 #include "shell/shell_services.h"
+#include "store/record_catalogue.h"
 #include "util/column_format.h"
 #include "util/text.h"
 
@@ -54,6 +58,16 @@ void ShowVolumeAndDensity(Toolkit& toolkit, const PhaseRecords& p) {
   toolkit.WDialogPutString(kPhaseDensity, FormatLine("(f10.4)", PhaseDensity(p)));
 }
 
+void PutAtomRow(Toolkit& toolkit, int row, PhaseAtom a) {
+  toolkit.WGridLabelRow(kPhaseAtomGrid, row, Trimmed(a.label));
+  toolkit.WGridPutCellString(kPhaseAtomGrid, 1, row, Trimmed(a.label));
+  toolkit.WGridPutCellInteger(kPhaseAtomGrid, 2, row, a.type);
+  const auto cells = AtomCells(a);
+  for (size_t c = 0; c < cells.size(); ++c) {
+    toolkit.WGridPutCellReal(kPhaseAtomGrid, static_cast<int>(c) + 3, row, *cells[c]);
+  }
+}
+
 void PutPhase(Toolkit& toolkit, PhaseRecords p) {
   toolkit.WDialogPutString(kPhaseTitle, p.title);
   toolkit.WDialogPutString(kPhaseSpaceGroup, p.spaceGroup);
@@ -69,16 +83,7 @@ void PutPhase(Toolkit& toolkit, PhaseRecords p) {
   }
   const int rows = std::min(static_cast<int>(p.atoms.size()), kAtomGridRows);
   toolkit.WGridRows(kPhaseAtomGrid, rows);
-  for (int row = 1; row <= rows; ++row) {
-    PhaseAtom& a = p.atoms[row - 1];
-    toolkit.WGridLabelRow(kPhaseAtomGrid, row, Trimmed(a.label));
-    toolkit.WGridPutCellString(kPhaseAtomGrid, 1, row, Trimmed(a.label));
-    toolkit.WGridPutCellInteger(kPhaseAtomGrid, 2, row, a.type);
-    const auto cells = AtomCells(a);
-    for (size_t c = 0; c < cells.size(); ++c) {
-      toolkit.WGridPutCellReal(kPhaseAtomGrid, static_cast<int>(c) + 3, row, *cells[c]);
-    }
-  }
+  for (int row = 1; row <= rows; ++row) PutAtomRow(toolkit, row, p.atoms[row - 1]);
 }
 
 // The symbol in the program's form; false when the symbol reader refuses it.
@@ -143,6 +148,50 @@ void ChangeOrigin(Toolkit& toolkit, int atoms) {
   }
 }
 
+// Dialog 117: a new atom behind the others. Its type is the ANOM line of its element, its label
+// the element and a running number unless one is typed, and its site factor and refined
+// coordinates follow from the site in the group that the dialog's symbol gives.
+void AddAtom(Toolkit& toolkit, const std::vector<std::string>& types, PhaseRecords& phase) {
+  std::string symbol;
+  SpaceGroupInfo group;
+  if (!NormalisedSymbol(toolkit.WDialogGetString(kPhaseSpaceGroup), symbol) ||
+      ParseSpaceGroupSymbol(symbol, group) != SymbolStatus::kOk ||
+      ExpandOperators(group) != ExpandStatus::kOk) {
+    ShowMessage(toolkit, "Error ", "Spacegroup: " + symbol + " is no space group symbol");
+    return;
+  }
+  toolkit.WDialogLoad(kAddAtomDialog);
+  toolkit.WDialogPutReal(kAddAtomValueFirst + 3, 1.0);
+  toolkit.WDialogPutReal(kAddAtomValueFirst + 4, 1.0);
+  PhaseAtom atom;
+  if (!RunSubDialog(toolkit, kAddAtomDialog, kPhaseDialog, [&](DialogValues& values) {
+        const std::string element = std::string(Trimmed(values.Text(kAddAtomElement)));
+        const auto type = std::find(types.begin(), types.end(), AtomTypeSymbol(element));
+        if (element.empty() || ElementNumber(AtomTypeSymbol(element)) == 0 || type == types.end()) {
+          values.Refuse("Element: " + element + " has no atom type line");
+        }
+        atom.type = static_cast<int>(type - types.begin()) + 1;
+        atom.label = std::string(Trimmed(values.Text(kAddAtomLabel)));
+        if (atom.label.empty()) {
+          atom.label = element + std::to_string(phase.atoms.size() + 1);
+        }
+        for (int i = 0; i < 5; ++i) {
+          atom.values[i] = static_cast<float>(values.Real(kAddAtomValueFirst + i));
+        }
+      })) {
+    return;
+  }
+  const SiteCodes site = SiteOf(group, {atom.values[0], atom.values[1], atom.values[2]});
+  atom.siteFactor = site.siteFactor;
+  std::copy(site.codes.begin(), site.codes.end(), atom.codes.begin());
+  atom.coupling = site.coupling;
+  phase.atoms.push_back(atom);
+  const int row = static_cast<int>(phase.atoms.size());
+  if (row > kAtomGridRows) return;
+  toolkit.WGridRows(kPhaseAtomGrid, row);
+  PutAtomRow(toolkit, row, atom);
+}
+
 }  // namespace
 
 void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
@@ -150,10 +199,14 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
   EditCommand edit(state, toolkit, "Edit phase " + std::to_string(number));
   ProjectPhases project;
   RestraintSet restraints;
+  std::vector<std::string> types;  // element symbols of the ANOM lines
   std::string error;
   if (!edit.Read([&](RecordStore& store) {
         if (!ReadProjectPhases(store, project, error)) LogLine(state, toolkit, error);
         restraints = ReadRestraintSet(store);
+        for (const std::string& data : FindRecords(store, "ANOM")) {
+          types.push_back(AtomTypeSymbol(data.substr(0, 2)));
+        }
       }) ||
       !error.empty() || number < 1 || number > static_cast<int>(project.phases.size())) {
     return;
@@ -171,7 +224,10 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
   bool restraintsSetUp = false;
   const int result = edit.Run(
       [&](int button) {
-        if (button == kPhaseOriginButton) ChangeOrigin(toolkit, atoms);
+        if (button == kPhaseOriginButton) {
+          ChangeOrigin(toolkit, static_cast<int>(phase.atoms.size()));
+        }
+        if (button == kPhaseAddAtomButton) AddAtom(toolkit, types, phase);
         if (button == kPhaseRestraintsButton) {
           restraintsSetUp =
               SetUpRestraints(toolkit, phase, kPhaseDialog, restraints) || restraintsSetUp;

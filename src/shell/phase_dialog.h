@@ -24,6 +24,12 @@ inline constexpr int kPhaseValueCount = 25;
 inline constexpr int kAtomGridColumns = 24;
 inline constexpr int kAtomGridRows = 200;
 
+inline constexpr int kPhaseAddAtomButton = 1188;
+
+inline constexpr int kAddAtomDialog = 117;
+inline constexpr int kAddAtomElement = 1360, kAddAtomLabel = 1361;
+inline constexpr int kAddAtomValueFirst = 1362;  // x, y, z, occupancy, B to 1366
+
 inline constexpr int kChangeOriginDialog = 125;
 inline constexpr int kOriginShiftFirst = 1369;  // to 1371
 

@@ -138,6 +138,37 @@ TEST(PhaseDialog, ChangeOfOriginMovesEveryAtomByTheShift) {
       << text;
 }
 
+TEST(PhaseDialog, ANewAtomTakesItsTypeSiteFactorAndCodesFromItsSite) {
+  PhaseFixture f;
+  f.dir.Write("p.par", std::string(kSpinel) + "ANOM      Mg           0.16500   0.17700\n" +
+                           "ANOM      O            0.04920   0.03220\n");
+  const std::string before = f.Read("p.par");
+  // An element without a type line is refused and the dialog stays.
+  f.toolkit.QueueDialog({kPhaseDialog, {}, {kPhaseAddAtomButton, kIdCancel}});
+  f.toolkit.QueueDialog({kAddAtomDialog, {{kAddAtomElement, "Fe"}}, {kIdOk, kIdCancel}});
+  EditPhaseDialog(f.state, f.toolkit);
+  EXPECT_TRUE(f.BoxShown("Error ", "Element: Fe has no atom type line"));
+  EXPECT_EQ(f.Read("p.par"), before);
+
+  f.toolkit.QueueDialog({kPhaseDialog, {}, {kPhaseAddAtomButton, kIdOk}});
+  f.toolkit.QueueDialog({kAddAtomDialog,
+                         {{kAddAtomElement, "O"},
+                          {kAddAtomValueFirst, "0.3"},
+                          {kAddAtomValueFirst + 1, "0.3"},
+                          {kAddAtomValueFirst + 2, "0.3"}}});
+  EditPhaseDialog(f.state, f.toolkit);
+  const std::string text = f.Text();
+  EXPECT_NE(text.find("PHNA          3"), std::string::npos) << text;
+  // x, x, x of F d -3 m: 32e, site 3m of six operators; y and z follow x.
+  EXPECT_NE(
+      text.find("XYZ       O3       2  0.30000  0.30000  0.30000  1.00000  1.00000  6  2  2  2"),
+      std::string::npos)
+      << text;
+  EXPECT_NE(text.find("CXYZ O3        1.000     0.000     0.000     0.000     0.000"),
+            std::string::npos)
+      << text;
+}
+
 TEST(PhaseDialog, MoreThanTwoHundredAtomsKeepTheRest) {
   PhaseFixture f;
   std::string par = "PHNA        201\nSPGR      P 1\nCELL        10.0 10.0 10.0 90.0 90.0 90.0\n";
