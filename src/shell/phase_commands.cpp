@@ -6,6 +6,7 @@
 
 #include "shell/default_project.h"
 #include "shell/edit_command.h"
+#include "shell/phase_dialog.h"
 #include "shell/project_lifecycle.h"
 #include "shell/shell_services.h"
 #include "store/record_catalogue.h"
@@ -227,6 +228,7 @@ void AddPhase(ShellState& state, Toolkit& toolkit) {
   }
   if (!WritePhases(state, toolkit, project, PhaseBlockWriter::kAdd, "Add phase", typeLines)) return;
   state.currentPhase = project.job.phases;
+  EditPhaseDialog(state, toolkit);
 }
 
 void DeletePhase(ShellState& state, Toolkit& toolkit) {

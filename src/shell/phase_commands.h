@@ -18,6 +18,7 @@ inline constexpr int kAddPhaseFile = 1337, kAddPhaseBrowse = 1338;
 PhaseRecords DefaultAddedPhase();
 
 // Add phase from defaults, another project or a CIF, after the dialog; at most ten phases.
+// The phase dialog follows for the new phase.
 void AddPhase(ShellState& state, Toolkit& toolkit);
 // Deletes phase state.deletePhaseNumber; the phases behind it move up by one.
 void DeletePhase(ShellState& state, Toolkit& toolkit);

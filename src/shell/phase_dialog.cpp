@@ -192,6 +192,29 @@ void AddAtom(Toolkit& toolkit, const std::vector<std::string>& types, PhaseRecor
   PutAtomRow(toolkit, row, atom);
 }
 
+// Dialog 115: the atoms marked in its list leave the phase and the grid.
+void DeleteAtoms(Toolkit& toolkit, PhaseRecords& phase) {
+  const int rows = std::min(static_cast<int>(phase.atoms.size()), kAtomGridRows);
+  toolkit.WDialogLoad(kDeleteAtomsDialog);
+  toolkit.WGridRows(kDeleteAtomsGrid, rows);
+  for (int row = 1; row <= rows; ++row) {
+    toolkit.WGridPutCellString(kDeleteAtomsGrid, 2, row, Trimmed(phase.atoms[row - 1].label));
+  }
+  std::vector<int> marked;
+  if (!RunSubDialog(toolkit, kDeleteAtomsDialog, kPhaseDialog, [&](DialogValues&) {
+        marked.clear();
+        for (int row = 1; row <= rows; ++row) {
+          if (toolkit.WGridGetCheckBox(kDeleteAtomsGrid, 1, row) != 0) marked.push_back(row);
+        }
+      })) {
+    return;
+  }
+  for (auto row = marked.rbegin(); row != marked.rend(); ++row) {
+    phase.atoms.erase(phase.atoms.begin() + (*row - 1));
+    toolkit.WGridDeleteRows(kPhaseAtomGrid, *row, 1);
+  }
+}
+
 }  // namespace
 
 void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
@@ -228,6 +251,7 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
           ChangeOrigin(toolkit, static_cast<int>(phase.atoms.size()));
         }
         if (button == kPhaseAddAtomButton) AddAtom(toolkit, types, phase);
+        if (button == kPhaseDeleteAtomsButton) DeleteAtoms(toolkit, phase);
         if (button == kPhaseRestraintsButton) {
           restraintsSetUp =
               SetUpRestraints(toolkit, phase, kPhaseDialog, restraints) || restraintsSetUp;

@@ -24,7 +24,10 @@ inline constexpr int kPhaseValueCount = 25;
 inline constexpr int kAtomGridColumns = 24;
 inline constexpr int kAtomGridRows = 200;
 
-inline constexpr int kPhaseAddAtomButton = 1188;
+inline constexpr int kPhaseAddAtomButton = 1188, kPhaseDeleteAtomsButton = 1189;
+
+inline constexpr int kDeleteAtomsDialog = 115;
+inline constexpr int kDeleteAtomsGrid = 1355;
 
 inline constexpr int kAddAtomDialog = 117;
 inline constexpr int kAddAtomElement = 1360, kAddAtomLabel = 1361;

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "shell/menu_session.h"
+#include "shell/phase_dialog.h"
 
 namespace kaldena {
 namespace {
@@ -95,6 +96,9 @@ TEST(PhaseCommands, CancelChangesNothingAndDefaultsMakeASecondPhase) {
   EXPECT_EQ(after.phases.at(0).cellCodes, corundum.cellCodes);
   EXPECT_EQ(s.Read("corundum.rec"), s.Read("corundum.par"));
   EXPECT_EQ(s.state.addPhaseSource, 1);
+  // The phase dialog follows for the new phase.
+  EXPECT_EQ(s.toolkit.DialogsShown().back(), kPhaseDialog);
+  EXPECT_EQ(s.state.currentPhase, 2);
 }
 
 TEST(PhaseCommands, AddFromAProjectTakesItsFirstPhaseWithoutCodewords) {

@@ -169,6 +169,19 @@ TEST(PhaseDialog, ANewAtomTakesItsTypeSiteFactorAndCodesFromItsSite) {
       << text;
 }
 
+TEST(PhaseDialog, DeletedAtomsLeaveTheirLinesAndTheOthersKeepTheirEdits) {
+  PhaseFixture f;
+  f.toolkit.QueueDialog(
+      {kPhaseDialog, {}, {kPhaseDeleteAtomsButton, kIdOk}, {{{kPhaseAtomGrid, 3, 2}, "0.27"}}});
+  f.toolkit.QueueDialog({kDeleteAtomsDialog, {}, {kIdOk}, {{{kDeleteAtomsGrid, 1, 1}, "1"}}});
+  EditPhaseDialog(f.state, f.toolkit);
+  const std::string text = f.Text();
+  EXPECT_NE(text.find("PHNA          1"), std::string::npos) << text;
+  EXPECT_EQ(text.find("XYZ       Mg"), std::string::npos) << text;
+  EXPECT_EQ(text.find("CXYZ Mg"), std::string::npos) << text;
+  EXPECT_NE(text.find("XYZ       O        2  0.27000  0.26000"), std::string::npos) << text;
+}
+
 TEST(PhaseDialog, MoreThanTwoHundredAtomsKeepTheRest) {
   PhaseFixture f;
   std::string par = "PHNA        201\nSPGR      P 1\nCELL        10.0 10.0 10.0 90.0 90.0 90.0\n";
