@@ -192,6 +192,54 @@ void AddAtom(Toolkit& toolkit, const std::vector<std::string>& types, PhaseRecor
   PutAtomRow(toolkit, row, atom);
 }
 
+// Dialog 114: the row of the grid that the atom number names, each value with its code.
+void EditAtom(Toolkit& toolkit, int atoms, CodewordNumbering& numbering) {
+  const int row = toolkit.WDialogGetInteger(kPhaseAtomNumber);
+  if (row < 1 || row > std::min(atoms, kAtomGridRows)) {
+    ShowMessage(toolkit, "Make a selection", "You have to give the number of an atom");
+    return;
+  }
+  // Values at grid columns 3 to 7 and 13 to 18, their codes five and six columns on.
+  auto valueColumn = [](int k) { return k < 5 ? 3 + k : 8 + k; };
+  auto codeColumn = [](int k) { return k < 5 ? 8 + k : 14 + k; };
+  const std::string label = toolkit.WGridGetCellString(kPhaseAtomGrid, 1, row);
+  const int type = toolkit.WGridGetCellInteger(kPhaseAtomGrid, 2, row);
+  std::array<double, 11> value{}, code{};
+  for (int k = 0; k < 11; ++k) {
+    value[k] = toolkit.WGridGetCellReal(kPhaseAtomGrid, valueColumn(k), row);
+    code[k] = toolkit.WGridGetCellReal(kPhaseAtomGrid, codeColumn(k), row);
+  }
+  toolkit.WDialogLoad(kAtomDialog);
+  toolkit.WDialogPutString(kAtomLabel, label);
+  toolkit.WDialogPutInteger(kAtomType, type);
+  for (int k = 0; k < 11; ++k) {
+    toolkit.WDialogPutReal(kAtomValueFirst + k, value[k]);
+    toolkit.WDialogPutCheckBox(kAtomRefineFirst + k, code[k] != 0 ? 1 : 0);
+    toolkit.WDialogPutReal(kAtomCodeFirst + k, code[k]);
+  }
+  std::string newLabel;
+  int newType = type;
+  if (!RunSubDialog(toolkit, kAtomDialog, kPhaseDialog, [&](DialogValues& values) {
+        CodewordNumbering trial = numbering;
+        newLabel = values.Text(kAtomLabel);
+        newType = values.Integer(kAtomType);
+        for (int k = 0; k < 11; ++k) {
+          value[k] = values.Real(kAtomValueFirst + k);
+          code[k] = trial.Take(toolkit.WDialogGetCheckBox(kAtomRefineFirst + k) != 0,
+                               values.Real(kAtomCodeFirst + k));
+        }
+        if (values.Good()) numbering = trial;
+      })) {
+    return;
+  }
+  toolkit.WGridPutCellString(kPhaseAtomGrid, 1, row, Trimmed(newLabel));
+  toolkit.WGridPutCellInteger(kPhaseAtomGrid, 2, row, newType);
+  for (int k = 0; k < 11; ++k) {
+    toolkit.WGridPutCellReal(kPhaseAtomGrid, valueColumn(k), row, value[k]);
+    toolkit.WGridPutCellReal(kPhaseAtomGrid, codeColumn(k), row, code[k]);
+  }
+}
+
 // Dialog 115: the atoms marked in its list leave the phase and the grid.
 void DeleteAtoms(Toolkit& toolkit, PhaseRecords& phase) {
   const int rows = std::min(static_cast<int>(phase.atoms.size()), kAtomGridRows);
@@ -235,7 +283,9 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
     return;
   }
   PhaseRecords& phase = project.phases[number - 1];
-  const CodewordNumbering codes(HighestCodewordGroup(state, toolkit));
+  // New codes of the atom sub-dialog count on from the file's groups; the phase's own take a
+  // copy on OK, after those.
+  CodewordNumbering codes(HighestCodewordGroup(state, toolkit));
   const int atoms = static_cast<int>(phase.atoms.size());
   if (atoms > kAtomGridRows) {
     ShowMessage(toolkit, "Atoms",
@@ -252,6 +302,9 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
         }
         if (button == kPhaseAddAtomButton) AddAtom(toolkit, types, phase);
         if (button == kPhaseDeleteAtomsButton) DeleteAtoms(toolkit, phase);
+        if (button == kPhaseEditAtomButton) {
+          EditAtom(toolkit, static_cast<int>(phase.atoms.size()), codes);
+        }
         if (button == kPhaseRestraintsButton) {
           restraintsSetUp =
               SetUpRestraints(toolkit, phase, kPhaseDialog, restraints) || restraintsSetUp;

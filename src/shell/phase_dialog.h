@@ -26,6 +26,14 @@ inline constexpr int kAtomGridRows = 200;
 
 inline constexpr int kPhaseAddAtomButton = 1188, kPhaseDeleteAtomsButton = 1189;
 
+inline constexpr int kPhaseAtomNumber = 1185, kPhaseEditAtomButton = 1184;
+
+// "Edit atomic parameters" of the atom whose row stands in the atom number field.
+inline constexpr int kAtomDialog = 114;
+inline constexpr int kAtomLabel = 1398, kAtomType = 1399;
+// x, y, z, occupancy, B, b11 to b23: value, refine box and code fields.
+inline constexpr int kAtomValueFirst = 1400, kAtomRefineFirst = 1420, kAtomCodeFirst = 1440;
+
 inline constexpr int kDeleteAtomsDialog = 115;
 inline constexpr int kDeleteAtomsGrid = 1355;
 

@@ -182,6 +182,25 @@ TEST(PhaseDialog, DeletedAtomsLeaveTheirLinesAndTheOthersKeepTheirEdits) {
   EXPECT_NE(text.find("XYZ       O        2  0.27000  0.26000"), std::string::npos) << text;
 }
 
+TEST(PhaseDialog, OneAtomEditedWithItsCodesNumberedBeforeThePhases) {
+  PhaseFixture f;
+  f.toolkit.QueueDialog({kPhaseDialog,
+                         {{kPhaseAtomNumber, "2"}, {kPhaseRefineFirst + 1, "1"}},
+                         {kPhaseEditAtomButton, kIdOk}});
+  f.toolkit.QueueDialog(
+      {kAtomDialog, {{kAtomValueFirst, "0.265"}, {kAtomRefineFirst + 4, "1"}}, {kIdOk}});
+  EditPhaseDialog(f.state, f.toolkit);
+  const std::string text = f.Text();
+  EXPECT_NE(
+      text.find("XYZ       O        2  0.26500  0.26000  0.26000  1.00000  0.80000  6  2  2  0"),
+      std::string::npos)
+      << text;
+  EXPECT_NE(text.find("CXYZ O        21.000    21.000    21.000     0.000    31.000"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("CSCA          11.000    41.000"), std::string::npos) << text;
+}
+
 TEST(PhaseDialog, MoreThanTwoHundredAtomsKeepTheRest) {
   PhaseFixture f;
   std::string par = "PHNA        201\nSPGR      P 1\nCELL        10.0 10.0 10.0 90.0 90.0 90.0\n";
