@@ -3,6 +3,7 @@
 #include "shell/phase_dialog.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "crystal/elements.h"
 #include "crystal/space_group.h"
@@ -240,26 +241,77 @@ void EditAtom(Toolkit& toolkit, int atoms, CodewordNumbering& numbering) {
   }
 }
 
-// Dialog 115: the atoms marked in its list leave the phase and the grid.
-void DeleteAtoms(Toolkit& toolkit, PhaseRecords& phase) {
+// The rows marked in the first column of a sub-dialog's atom list, run to OK; empty on Cancel.
+// `take` reads the sub-dialog's other fields.
+std::vector<int> MarkedAtoms(Toolkit& toolkit, const PhaseRecords& phase, int dialog, int grid,
+                             const std::function<void(DialogValues&)>& take = {}) {
   const int rows = std::min(static_cast<int>(phase.atoms.size()), kAtomGridRows);
-  toolkit.WDialogLoad(kDeleteAtomsDialog);
-  toolkit.WGridRows(kDeleteAtomsGrid, rows);
+  toolkit.WGridRows(grid, rows);
   for (int row = 1; row <= rows; ++row) {
-    toolkit.WGridPutCellString(kDeleteAtomsGrid, 2, row, Trimmed(phase.atoms[row - 1].label));
+    toolkit.WGridPutCellString(grid, 2, row, Trimmed(phase.atoms[row - 1].label));
   }
   std::vector<int> marked;
-  if (!RunSubDialog(toolkit, kDeleteAtomsDialog, kPhaseDialog, [&](DialogValues&) {
+  if (!RunSubDialog(toolkit, dialog, kPhaseDialog, [&](DialogValues& values) {
         marked.clear();
         for (int row = 1; row <= rows; ++row) {
-          if (toolkit.WGridGetCheckBox(kDeleteAtomsGrid, 1, row) != 0) marked.push_back(row);
+          if (toolkit.WGridGetCheckBox(grid, 1, row) != 0) marked.push_back(row);
         }
+        if (take) take(values);
       })) {
-    return;
+    marked.clear();
   }
+  return marked;
+}
+
+// The marked atoms leave the phase and its grid, last first.
+void RemoveAtoms(Toolkit& toolkit, const std::vector<int>& marked, PhaseRecords& phase) {
   for (auto row = marked.rbegin(); row != marked.rend(); ++row) {
     phase.atoms.erase(phase.atoms.begin() + (*row - 1));
     toolkit.WGridDeleteRows(kPhaseAtomGrid, *row, 1);
+  }
+}
+
+// Dialog 115: the atoms marked in its list leave the phase.
+void DeleteAtoms(Toolkit& toolkit, PhaseRecords& phase) {
+  toolkit.WDialogLoad(kDeleteAtomsDialog);
+  RemoveAtoms(toolkit, MarkedAtoms(toolkit, phase, kDeleteAtomsDialog, kDeleteAtomsGrid), phase);
+}
+
+// Dialog 116: the marked atoms go to the end of a phase (this one too), or are copied there.
+// Edits in the grid travel with them.
+void MoveAtoms(Toolkit& toolkit, int number, ProjectPhases& project) {
+  PhaseRecords& phase = project.phases[number - 1];
+  toolkit.WDialogLoad(kMoveAtomsDialog);
+  toolkit.WDialogPutInteger(kMoveAtomsTarget, number);
+  int target = number;
+  bool copy = false;
+  const std::vector<int> marked =
+      MarkedAtoms(toolkit, phase, kMoveAtomsDialog, kMoveAtomsGrid, [&](DialogValues& values) {
+        target = values.Integer(kMoveAtomsTarget);
+        copy = toolkit.WDialogGetRadioButton(kMoveAtoms, kCopyAtoms) == 2;
+        if (target > static_cast<int>(project.phases.size())) {
+          values.Refuse("To phase: " + std::to_string(target) + " is no phase of the project");
+        }
+      });
+  if (marked.empty() || target < 1) return;
+  std::vector<PhaseAtom> travelling;
+  for (int row : marked) {
+    PhaseAtom atom = phase.atoms[row - 1];
+    const auto cells = AtomCells(atom);
+    for (size_t c = 0; c < cells.size(); ++c) {
+      const int column = static_cast<int>(c) + 3;
+      *cells[c] = static_cast<float>(toolkit.WGridGetCellReal(kPhaseAtomGrid, column, row));
+    }
+    travelling.push_back(atom);
+  }
+  if (!copy) RemoveAtoms(toolkit, marked, phase);
+  PhaseRecords& to = project.phases[target - 1];
+  for (const PhaseAtom& atom : travelling) {
+    to.atoms.push_back(atom);
+    const int row = static_cast<int>(to.atoms.size());
+    if (target != number || row > kAtomGridRows) continue;
+    toolkit.WGridRows(kPhaseAtomGrid, row);
+    PutAtomRow(toolkit, row, atom);
   }
 }
 
@@ -302,6 +354,7 @@ void EditPhaseDialog(ShellState& state, Toolkit& toolkit) {
         }
         if (button == kPhaseAddAtomButton) AddAtom(toolkit, types, phase);
         if (button == kPhaseDeleteAtomsButton) DeleteAtoms(toolkit, phase);
+        if (button == kPhaseMoveAtomsButton) MoveAtoms(toolkit, number, project);
         if (button == kPhaseEditAtomButton) {
           EditAtom(toolkit, static_cast<int>(phase.atoms.size()), codes);
         }

@@ -34,12 +34,19 @@ inline constexpr int kAtomLabel = 1398, kAtomType = 1399;
 // x, y, z, occupancy, B, b11 to b23: value, refine box and code fields.
 inline constexpr int kAtomValueFirst = 1400, kAtomRefineFirst = 1420, kAtomCodeFirst = 1440;
 
+inline constexpr int kPhaseMoveAtomsButton = 1183;
+
 inline constexpr int kDeleteAtomsDialog = 115;
 inline constexpr int kDeleteAtomsGrid = 1355;
 
 inline constexpr int kAddAtomDialog = 117;
 inline constexpr int kAddAtomElement = 1360, kAddAtomLabel = 1361;
 inline constexpr int kAddAtomValueFirst = 1362;  // x, y, z, occupancy, B to 1366
+
+// "Move/Copy atom(s)": the marked atoms to the end of another phase, or copied there.
+inline constexpr int kMoveAtomsDialog = 116;
+inline constexpr int kMoveAtomsGrid = 1356, kMoveAtoms = 1357, kCopyAtoms = 1358;
+inline constexpr int kMoveAtomsTarget = 1359;
 
 inline constexpr int kChangeOriginDialog = 125;
 inline constexpr int kOriginShiftFirst = 1369;  // to 1371

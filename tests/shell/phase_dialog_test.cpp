@@ -201,6 +201,37 @@ TEST(PhaseDialog, OneAtomEditedWithItsCodesNumberedBeforeThePhases) {
   EXPECT_NE(text.find("CSCA          11.000    41.000"), std::string::npos) << text;
 }
 
+TEST(PhaseDialog, AtomsMoveToTheEndOrAreCopiedToAnotherPhase) {
+  PhaseFixture f;
+  // Mg moved behind O within the phase.
+  f.toolkit.QueueDialog({kPhaseDialog, {}, {kPhaseMoveAtomsButton, kIdOk}});
+  f.toolkit.QueueDialog({kMoveAtomsDialog, {}, {kIdOk}, {{{kMoveAtomsGrid, 1, 1}, "1"}}});
+  EditPhaseDialog(f.state, f.toolkit);
+  std::string text = f.Text();
+  EXPECT_LT(text.find("XYZ       O "), text.find("XYZ       Mg"));
+  EXPECT_LT(text.find("CXYZ O "), text.find("CXYZ Mg"));
+
+  // O copied to a second phase: it stays here and stands behind that phase's atom.
+  std::string two(kSpinel);
+  two.replace(0, two.find('\n'), "JOBT          0    4    2   -1    0    2    0    1");
+  f.dir.Write("p.par", two +
+                           "PHTI      Second\nPHNA          1\n"
+                           "SPGR      P 1\nXYZ       H        1  0.1\n"
+                           "CXYZ H\n");
+  f.toolkit.QueueDialog({kPhaseDialog, {}, {kPhaseMoveAtomsButton, kIdOk}});
+  f.toolkit.QueueDialog({kMoveAtomsDialog,
+                         {{kCopyAtoms, "1"}, {kMoveAtomsTarget, "2"}},
+                         {kIdOk},
+                         {{{kMoveAtomsGrid, 1, 2}, "1"}}});
+  EditPhaseDialog(f.state, f.toolkit);
+  text = f.Text();
+  EXPECT_NE(text.find("PHNA          2"), std::string::npos) << text;
+  const size_t first = text.find("XYZ       O ");
+  const size_t second = text.find("XYZ       O ", first + 1);
+  EXPECT_LT(text.find("XYZ       H "), second) << text;
+  EXPECT_NE(second, std::string::npos) << text;
+}
+
 TEST(PhaseDialog, MoreThanTwoHundredAtomsKeepTheRest) {
   PhaseFixture f;
   std::string par = "PHNA        201\nSPGR      P 1\nCELL        10.0 10.0 10.0 90.0 90.0 90.0\n";
