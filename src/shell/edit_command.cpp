@@ -1,7 +1,9 @@
 // The rule of an edit command, the codeword rule and the checks of typed values.
 #include "shell/edit_command.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "shell/edit_history.h"
 #include "shell/project_lifecycle.h"
@@ -19,7 +21,7 @@ constexpr std::string_view kCodewordKeys[] = {"CZET", "CAXI", "CWAV", "CBKG", "C
                                               "CSCA", "CCEL", "CASY", "CHWT", "CPKS",
                                               "CSTS", "CXYZ", "CBET"};
 
-// A number as a box shows it: the fewest digits that read back to it.
+// A number as a box shows it, in up to ten significant digits.
 std::string NumberText(double value) {
   char text[32];
   std::snprintf(text, sizeof text, "%.10g", value);
@@ -42,6 +44,13 @@ std::vector<std::vector<Record>> GroupByKey(std::span<const Record> records) {
   return groups;
 }
 
+// A grid cell as a box names it: its row and its column's heading.
+std::string CellWhere(const DialogField* column, int row) {
+  std::string where = "row " + std::to_string(row);
+  if (column != nullptr && !column->caption.empty()) where += ", " + column->caption;
+  return where;
+}
+
 }  // namespace
 
 bool ReadParameterFile(ShellState& state, Toolkit& toolkit,
@@ -57,7 +66,7 @@ bool ReadParameterFile(ShellState& state, Toolkit& toolkit,
 }
 
 bool WriteParameterRecords(ShellState& state, Toolkit& toolkit, std::span<const Record> records,
-                           std::string_view stepName) {
+                           std::string_view stepName, std::span<const std::string_view> removed) {
   ShellReporter reporter(state, toolkit);
   RecordStore store(reporter);
   const std::string file = InProjectDir(state, state.parameterFileName);
@@ -66,6 +75,7 @@ bool WriteParameterRecords(ShellState& state, Toolkit& toolkit, std::span<const 
   for (const std::vector<Record>& group : GroupByKey(records)) {
     if (store.jUpdateRec(file, group) == 0) written = store.jAddRec(file, group) > 0 && written;
   }
+  for (const std::string_view key : removed) store.jDeleteRec(file, key);
   step.Finish(state, toolkit);
   return written;
 }
@@ -105,15 +115,13 @@ DialogValues::DialogValues(Toolkit& toolkit, int dialog)
 
 double DialogValues::Real(int field) {
   const double value = toolkit_.WDialogGetReal(field);
-  if (resource_ != nullptr)
-    CheckNumber(resource_->Field(field), value, FieldName(*resource_, field));
+  CheckField(field, value);
   return value;
 }
 
 int DialogValues::Integer(int field) {
   const int value = toolkit_.WDialogGetInteger(field);
-  if (resource_ != nullptr)
-    CheckNumber(resource_->Field(field), value, FieldName(*resource_, field));
+  CheckField(field, value);
   return value;
 }
 
@@ -121,6 +129,11 @@ std::string DialogValues::Text(int field) {
   std::string text = toolkit_.WDialogGetString(field);
   if (resource_ != nullptr) CheckText(resource_->Field(field), text, FieldName(*resource_, field));
   return text;
+}
+
+void DialogValues::CheckField(int field, double value) {
+  if (resource_ != nullptr)
+    CheckNumber(resource_->Field(field), value, FieldName(*resource_, field));
 }
 
 const DialogField* DialogValues::Column(int grid, int column) const {
@@ -132,14 +145,6 @@ const DialogField* DialogValues::Column(int grid, int column) const {
   }
   return &columns->fields[static_cast<std::size_t>(column - 1)];
 }
-
-namespace {
-std::string CellWhere(const DialogField* column, int row) {
-  std::string where = "row " + std::to_string(row);
-  if (column != nullptr && !column->caption.empty()) where += ", " + column->caption;
-  return where;
-}
-}  // namespace
 
 double DialogValues::CellReal(int grid, int column, int row) {
   const double value = toolkit_.WGridGetCellReal(grid, column, row);
@@ -185,6 +190,10 @@ void DialogValues::CheckText(const DialogField* field, const std::string& text,
   }
 }
 
+void DialogValues::Require(std::string problem) {
+  if (problem_.empty()) problem_ = std::move(problem);
+}
+
 bool DialogValues::ReportBad() {
   if (problem_.empty()) return false;
   ShowMessage(toolkit_, "Error ", problem_);
@@ -212,7 +221,7 @@ int EditCommand::Run(const std::function<int(int button)>& pressed,
   for (;;) {
     const int button = NextDialogButton(toolkit_);
     if (button == 0 || button == kIdCancel) {
-      result = kEditCancelled;  // also after a sub-dialog's button left -1 here
+      result = kEditCancelled;
       break;
     }
     result = button == kIdOk ? kEditAccepted : pressed ? pressed(button) : -1;
@@ -227,8 +236,9 @@ int EditCommand::Run(const std::function<int(int button)>& pressed,
   return result;
 }
 
-bool EditCommand::Write(std::span<const Record> records) {
-  return WriteParameterRecords(state_, toolkit_, records, stepName_);
+bool EditCommand::Write(std::span<const Record> records,
+                        std::span<const std::string_view> removed) {
+  return WriteParameterRecords(state_, toolkit_, records, stepName_, removed);
 }
 
 bool RunSubDialog(Toolkit& toolkit, int dialog, int parent,

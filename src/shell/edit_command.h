@@ -39,9 +39,11 @@ bool ReadParameterFile(ShellState& state, Toolkit& toolkit,
 
 // Replaces all lines of each key of `records` in the parameter file by that key's records,
 // where the key's first line stood; a key the file lacks is added at its end. The change is
-// the undo step `stepName`. False when the file could not be written (the store reported it).
+// the undo step `stepName`; every line of the keys in `removed` goes. False when the file could
+// not be written (the store reported it).
 bool WriteParameterRecords(ShellState& state, Toolkit& toolkit, std::span<const Record> records,
-                           std::string_view stepName);
+                           std::string_view stepName,
+                           std::span<const std::string_view> removed = {});
 
 // The codeword rule: a check box says refine or fix, the code field beside it holds the code.
 // Off writes 0; on writes the code that stands in the field, or where that is 0 a new code: a
@@ -75,16 +77,13 @@ class DialogValues {
   int CellInteger(int grid, int column, int row);
   std::string CellText(int grid, int column, int row);
 
-  bool Good() const { return problem_.empty(); }
-  // A value that the dialog's own test refuses (a symbol that does not read, say), unless an
-  // earlier one was bad.
-  void Refuse(std::string_view problem) {
-    if (problem_.empty()) problem_ = problem;
-  }
+  // A check of the dialog's own: a non-empty text is a bad value, unless one came first.
+  void Require(std::string problem);
   // Shows the box of the first bad value, title "Error ", and returns true when there was one.
   bool ReportBad();
 
  private:
+  void CheckField(int field, double value);
   void CheckNumber(const DialogField* field, double value, std::string_view where);
   void CheckText(const DialogField* field, const std::string& text, std::string_view where);
   const DialogField* Column(int grid, int column) const;
@@ -113,10 +112,7 @@ class EditCommand {
   int Run(const std::function<int(int button)>& pressed,
           const std::function<void(DialogValues&)>& take);
   // Writes the records (WriteParameterRecords) under the command's step name.
-  bool Write(std::span<const Record> records);
-
-  ShellState& State() { return state_; }
-  Toolkit& Kit() { return toolkit_; }
+  bool Write(std::span<const Record> records, std::span<const std::string_view> removed = {});
 
  private:
   ShellState& state_;

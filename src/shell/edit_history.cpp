@@ -33,6 +33,7 @@ bool WriteText(const std::string& file, const std::string& text) {
     out.close();
     if (out.fail()) error = std::make_error_code(std::errc::io_error);
   }
+  if (!error) fs::permissions(temporary, fs::status(file, error).permissions(), error);
   if (!error) fs::rename(temporary, file, error);
   if (error) fs::remove(temporary, error);
   return !error;
@@ -45,33 +46,36 @@ EditHistory& HistoryOf(ShellState& state) {
   return state.editHistory;
 }
 
-// Writes `text` over the step's file and moves the step from one stack to the other, with the
-// file as it stood as the text to go back to. False, with a box, when the file can't be written.
-bool Restore(ShellState& state, Toolkit& toolkit, std::vector<EditStep>& from,
+// Writes the step's text over its file and moves the step from one stack to the other, with the
+// file as it stood as the text to go back to. A file that can't be written gets a box and
+// keeps the step where it was.
+void Restore(ShellState& state, Toolkit& toolkit, std::vector<EditStep>& from,
              std::vector<EditStep>& to, bool undo) {
   EditStep step = from.back();
   const std::string now = ReadText(step.file).value_or("");
   if (!WriteText(step.file, undo ? step.before : step.after)) {
     ShowMessage(toolkit, "Error updating", step.file);
-    return false;
+    return;
   }
   from.pop_back();
   LogLine(state, toolkit, (undo ? "Undo " : "Redo ") + step.name);
   if (undo && now != step.after) {
     LogLine(state, toolkit,
-            " The parameter file from before " + step.name +
-                " is back: the changes of a run since then are undone too");
+            " " + fs::path(step.file).filename().string() + " is back as before " + step.name +
+                ": what a run changed since is undone too");
   }
   (undo ? step.after : step.before) = now;
   to.push_back(std::move(step));
-  return true;
 }
 
 }  // namespace
 
-UndoStep::UndoStep(ShellState& state, std::string_view name) {
+UndoStep::UndoStep(const ShellState& state, std::string_view name)
+    : UndoStep(name, InProjectDir(state, state.parameterFileName)) {}
+
+UndoStep::UndoStep(std::string_view name, std::string file) {
   step_.name = name;
-  step_.file = InProjectDir(state, state.parameterFileName);
+  step_.file = std::move(file);
   const std::optional<std::string> text = ReadText(step_.file);
   readable_ = text.has_value();
   step_.before = text.value_or("");

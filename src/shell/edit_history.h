@@ -1,7 +1,7 @@
 // Undo and redo of the edits of a project: every dialog's OK, phase add and delete and "Add
 // peaks" is one step, kept as the parameter file's text before and after it. The history
 // belongs to the open project and outlives a refinement: undo after a run puts back the file
-// from before the last edit, the run's results with it, and says so in the log.
+// as it was before the last edit, undoing the run's results too, and says so in the log.
 //
 // A command that changes the parameter file records its step so:
 //
@@ -21,7 +21,7 @@ struct ShellState;
 
 struct EditStep {
   std::string name;    // "Edit phase 2", as the menu names it after "Undo" and "Redo"
-  std::string file;    // the parameter file, with its directory
+  std::string file;    // the parameter file (or project file), with its directory
   std::string before;  // its text before the step
   std::string after;   // and after it
 };
@@ -34,7 +34,9 @@ struct EditHistory {
 
 class UndoStep {
  public:
-  UndoStep(ShellState& state, std::string_view name);
+  UndoStep(const ShellState& state, std::string_view name);
+  // A step of another file of the project ("Add peaks" appends to the project file).
+  UndoStep(std::string_view name, std::string file);
   // Pushes the step when the file differs from before (clearing what could be redone) and
   // refreshes the Undo and Redo menu items.
   void Finish(ShellState& state, Toolkit& toolkit);

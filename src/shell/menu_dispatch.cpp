@@ -148,11 +148,15 @@ void AddPeaks(ShellContext& shell, const Entry&) {
                                           Reporter& r) {
     return RunDistan(project, list, r) ? 0 : 1;
   };
+  UndoStep step("Add peaks", ProjectFile(shell));
   const AddAllPeaksResult result = AddAllPeaks(ProjectFile(shell), distances, reporter);
+  step.Finish(shell.state, shell.toolkit);
   if (result.status == 0 && !result.distanceList.empty()) StartEditor(shell, result.distanceList);
 }
 void AddAtoms(ShellContext& shell, const Entry& entry) {
+  UndoStep step(shell.state, "Add atoms");
   Run(shell, entry, shell.routines.addAtoms);
+  step.Finish(shell.state, shell.toolkit);
 }
 // Mouse moves would reach the plot under the contour dialog, so they are off meanwhile.
 void PlotFourierMaps(ShellContext& shell, const Entry& entry) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "shell/edit_command.h"
 #include "shell/project_lifecycle.h"
 #include "shell/shell_services.h"
 #include "store/record_catalogue.h"
@@ -14,20 +15,6 @@
 
 namespace kaldena {
 namespace {
-
-// Hands the loaded parameter file to `read`; " Error opening parfile " and false when it does
-// not open.
-bool ReadParameters(ShellState& state, Toolkit& toolkit,
-                    const std::function<void(RecordStore&)>& read) {
-  ShellReporter reporter(state, toolkit);
-  RecordStore store(reporter);
-  const std::string file = InProjectDir(state, state.parameterFileName);
-  const bool opened = store.jReadRecFile(file) >= 1;
-  if (opened) read(store);
-  store.jCloseRec();
-  if (!opened) LogLine(state, toolkit, " Error opening parfile " + file);
-  return opened;
-}
 
 void LoadDialog(Toolkit& toolkit, int dialog) {
   toolkit.WDialogParent(kMainWindow);
@@ -66,8 +53,8 @@ float GetFloat(Toolkit& toolkit, int field) {
 
 void DistanceOptionsDialog(ShellState& state, Toolkit& toolkit) {
   DistanceLimits limits;
-  if (!ReadParameters(state, toolkit,
-                      [&](RecordStore& store) { limits = ReadDistanceLimits(store); })) {
+  if (!ReadParameterFile(state, toolkit,
+                         [&](RecordStore& store) { limits = ReadDistanceLimits(store); })) {
     return;
   }
   LoadDialog(toolkit, kDistanceOptionsDialog);
@@ -89,7 +76,7 @@ void DistanceOptionsDialog(ShellState& state, Toolkit& toolkit) {
 void TableOptionsDialog(ShellState& state, Toolkit& toolkit) {
   // Decimals of coordinates, occupancy form, decimals of anisotropic factors, beta or U.
   std::array<int, 4> v{4, 1, 4, 1};
-  if (!ReadParameters(state, toolkit, [&](RecordStore& store) {
+  if (!ReadParameterFile(state, toolkit, [&](RecordStore& store) {
         std::string data;
         if (store.jFindRec("TABL", data) == 1 &&
             Read(data, "(4i5)", v[0], v[1], v[2], v[3]) != ReadStatus::kOk) {
@@ -119,7 +106,8 @@ void TableOptionsDialog(ShellState& state, Toolkit& toolkit) {
 
 void FourierOptionsDialog(ShellState& state, Toolkit& toolkit) {
   FourierOptions o;
-  if (!ReadParameters(state, toolkit, [&](RecordStore& store) { o = ReadFourierOptions(store); })) {
+  if (!ReadParameterFile(state, toolkit,
+                         [&](RecordStore& store) { o = ReadFourierOptions(store); })) {
     return;
   }
   LoadDialog(toolkit, kFourierOptionsDialog);

@@ -101,7 +101,7 @@ void TakePhase(Toolkit& toolkit, DialogValues& values, CodewordNumbering codes, 
   if (Trimmed(p.title).empty()) p.title = "untitled";
   const std::string typed = values.Text(kPhaseSpaceGroup);
   if (!NormalisedSymbol(typed, p.spaceGroup)) {
-    values.Refuse("Spacegroup: " + std::string(Trimmed(typed)) + " is no space group symbol");
+    values.Require("Spacegroup: " + std::string(Trimmed(typed)) + " is no space group symbol");
   }
   for (int i = 0; i < 3; ++i) {
     p.vectors[3 + i] = static_cast<float>(values.Real(kPhaseVoigtVector + i));
@@ -169,7 +169,7 @@ void AddAtom(Toolkit& toolkit, const std::vector<std::string>& types, PhaseRecor
         const std::string element = std::string(Trimmed(values.Text(kAddAtomElement)));
         const auto type = std::find(types.begin(), types.end(), AtomTypeSymbol(element));
         if (element.empty() || ElementNumber(AtomTypeSymbol(element)) == 0 || type == types.end()) {
-          values.Refuse("Element: " + element + " has no atom type line");
+          values.Require("Element: " + element + " has no atom type line");
         }
         atom.type = static_cast<int>(type - types.begin()) + 1;
         atom.label = std::string(Trimmed(values.Text(kAddAtomLabel)));
@@ -220,8 +220,9 @@ void EditAtom(Toolkit& toolkit, int atoms, CodewordNumbering& numbering) {
   }
   std::string newLabel;
   int newType = type;
+  CodewordNumbering trial = numbering;
   if (!RunSubDialog(toolkit, kAtomDialog, kPhaseDialog, [&](DialogValues& values) {
-        CodewordNumbering trial = numbering;
+        trial = numbering;
         newLabel = values.Text(kAtomLabel);
         newType = values.Integer(kAtomType);
         for (int k = 0; k < 11; ++k) {
@@ -229,10 +230,10 @@ void EditAtom(Toolkit& toolkit, int atoms, CodewordNumbering& numbering) {
           code[k] = trial.Take(toolkit.WDialogGetCheckBox(kAtomRefineFirst + k) != 0,
                                values.Real(kAtomCodeFirst + k));
         }
-        if (values.Good()) numbering = trial;
       })) {
     return;
   }
+  numbering = trial;
   toolkit.WGridPutCellString(kPhaseAtomGrid, 1, row, Trimmed(newLabel));
   toolkit.WGridPutCellInteger(kPhaseAtomGrid, 2, row, newType);
   for (int k = 0; k < 11; ++k) {
@@ -290,7 +291,7 @@ void MoveAtoms(Toolkit& toolkit, int number, ProjectPhases& project) {
         target = values.Integer(kMoveAtomsTarget);
         copy = toolkit.WDialogGetRadioButton(kMoveAtoms, kCopyAtoms) == 2;
         if (target > static_cast<int>(project.phases.size())) {
-          values.Refuse("To phase: " + std::to_string(target) + " is no phase of the project");
+          values.Require("To phase: " + std::to_string(target) + " is no phase of the project");
         }
       });
   if (marked.empty() || target < 1) return;

@@ -6,6 +6,7 @@
 
 #include "engine/run_engine.h"
 #include "shell/default_project.h"
+#include "shell/edit_history.h"
 #include "shell/preferences.h"
 #include "shell/shell_services.h"
 #include "store/record_catalogue.h"
@@ -227,6 +228,8 @@ int LoadProject(ShellState& state, Toolkit& toolkit) {
   }
   state.addPhaseFile.clear();
   state.addPhaseSource = 2;
+  // The working copy starts afresh from the project file: no edit of it to undo.
+  state.editHistory = EditHistory{state.projectFileName, {}, {}};
   state.plot.view.content = state.job.Phases() > 1 ? 29 : 31;
   state.plot.view.phaseShown.fill(true);
   EnablePhaseMenus(state, toolkit);
@@ -291,8 +294,7 @@ bool UpdateProject(ShellState& state, Toolkit& toolkit) {
 
 bool BackupProject(ShellState& state, Toolkit& toolkit) {
   const std::string backup = InProjectDir(state, StrippedText(state.projectBaseName) + ".bck");
-  const bool ok =
-      CopyFileChecked(toolkit, InProjectDir(state, state.parameterFileName), backup);
+  const bool ok = CopyFileChecked(toolkit, InProjectDir(state, state.parameterFileName), backup);
   LogLine(state, toolkit, ok ? "Project backed up" : "Error backing up project");
   return ok;
 }
@@ -381,10 +383,12 @@ void ShowRecentProjects(const ShellState& state, Toolkit& toolkit) {
   }
 }
 
-void EnableProjectMenus(ShellState&, Toolkit& toolkit, int flag) {
+void EnableProjectMenus(ShellState& state, Toolkit& toolkit, int flag) {
   for (int popup : {menu::kEditProject, menu::kRun, menu::kPlot, menu::kFourier, menu::kOutput}) {
     toolkit.WMenuSetState(popup, kMenuItemEnabled, flag != 0 ? 1 : 0);
   }
+  // Undo and Redo name the steps of this project, none when it was just opened.
+  if (flag != 0) ShowEditHistory(state, toolkit);
 }
 
 void EnablePhaseMenus(ShellState& state, Toolkit& toolkit) {

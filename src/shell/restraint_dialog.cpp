@@ -133,8 +133,8 @@ void TakeRestraints(DialogValues& values, const PhaseRecords& phase,
     if (Trimmed(text).empty()) continue;
     RestraintLine line;
     if (!ReadRestraintText(text, line)) {
-      values.Refuse("Distances, row " + std::to_string(row) + ": " + std::string(Trimmed(text)) +
-                    " is no restraint");
+      values.Require("Distances, row " + std::to_string(row) + ": " + std::string(Trimmed(text)) +
+                     " is no restraint");
       return;
     }
     line.weight = weights[row - 1];

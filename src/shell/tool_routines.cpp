@@ -2,6 +2,7 @@
 
 #include "shell/cif_phase_import.h"
 #include "shell/crystallinity_dialog.h"
+#include "shell/edit_dialogs.h"
 #include "shell/main_window.h"
 #include "shell/option_dialogs.h"
 #include "shell/peak_dialog.h"
@@ -52,6 +53,7 @@ ShellRoutines ToolRoutines() {
   r.cifRawReport = WriteRawReportOfProject;
   r.crystallinity = CrystallinityDialog;
   r.addAtoms = AddAtomsDialog;
+  AddEditRoutines(r);
   r.editPhase = EditPhaseDialog;
   r.addPhase = AddPhase;
   r.deletePhase = DeletePhase;
@@ -65,6 +67,11 @@ ShellRoutines ToolRoutines() {
 
 void InstallToolHooks(ShellState& state) {
   if (!state.hooks.importCif) state.hooks.importCif = ImportCifPhase;
+  if (!state.hooks.editNewProject) {
+    state.hooks.editNewProject = [](ShellState& s, Toolkit& t) {
+      EditNewProject(s, t, ToolRoutines());
+    };
+  }
   if (!state.hooks.showPattern) state.hooks.showPattern = ShowFullPattern;
 }
 

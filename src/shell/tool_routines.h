@@ -7,11 +7,11 @@
 namespace kaldena {
 
 // The plots on screen, CIF, CIF raw data report, the crystallinity dialog, the peak grid of
-// "Add atoms" and the structure viewer's CIF; the slots of the edit dialogs stay empty.
+// "Add atoms", the structure viewer's CIF and the edit dialogs of files, controls and globals.
 ShellRoutines ToolRoutines();
 
-// The hooks of the lifecycle that the tools serve: the CIF import of a new project and the
-// pattern shown after a load or a run.
+// The hooks of the lifecycle that the tools serve: the CIF import of a new project, its edit
+// dialogs, and the pattern shown after a load or a run.
 void InstallToolHooks(ShellState& state);
 
 }  // namespace kaldena

@@ -127,10 +127,10 @@ TEST(EditHistory, UndoAfterARunRestoresTheFileFromBeforeTheEditAndSaysSo) {
 
   UndoEdit(f.state, f.toolkit);
   EXPECT_EQ(f.Read("p.par"), original);
-  EXPECT_EQ(f.Log(), (std::vector<std::string>{
-                         "Undo Edit globals",
-                         " The parameter file from before Edit globals is back: the changes of "
-                         "a run since then are undone too"}));
+  EXPECT_EQ(f.Log(),
+            (std::vector<std::string>{
+                "Undo Edit globals",
+                " p.par is back as before Edit globals: what a run changed since is undone too"}));
   RedoEdit(f.state, f.toolkit);  // redo gives back the file with the run's results
   EXPECT_EQ(f.Read("p.par"), refined);
 }

@@ -46,6 +46,20 @@ TEST(ToolRoutines, AChosenPeakBecomesAnAtomOfPhaseOne) {
   EXPECT_EQ(s.Read("corundum.par"), par);
 }
 
+TEST(ToolRoutines, AddPeaksIsOneStepToUndo) {
+  Session s;
+  DispatchMenu(s.shell, menu::kFourierCalculation);
+  const std::string project = s.Read("corundum.rec");
+  DispatchMenu(s.shell, menu::kAddPeaks);
+  ASSERT_NE(s.Read("corundum.rec"), project);
+  EXPECT_EQ(s.toolkit.MenuString(menu::kUndo), "Undo Add peaks");
+  const std::string added = s.Read("corundum.rec");
+  DispatchMenu(s.shell, menu::kUndo);
+  EXPECT_EQ(s.Read("corundum.rec"), project);
+  DispatchMenu(s.shell, menu::kRedo);
+  EXPECT_EQ(s.Read("corundum.rec"), added);
+}
+
 TEST(ToolRoutines, CifAndRawReportAreWrittenAndShown) {
   Session s;
   DispatchMenu(s.shell, menu::kCif);

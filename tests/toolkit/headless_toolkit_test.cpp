@@ -131,8 +131,8 @@ CHECKBOX 1 0 0 60 20 "On"
 TEST(ScriptedToolkit, CallsOnFieldsTheResourceLacksAreProblems) {
   ScriptedToolkit toolkit;
   const auto lastProblem = [&] { return toolkit.ResourceProblems().back(); };
-  toolkit.WDialogLoad(101);  // no resource here
-  EXPECT_EQ(lastProblem(), "dialog 101: WDialogLoad: no resource");
+  toolkit.WDialogLoad(199);  // no resource here
+  EXPECT_EQ(lastProblem(), "dialog 199: WDialogLoad: no resource");
   toolkit.WDialogPutString(1012, "unchecked");
   EXPECT_EQ(toolkit.ResourceProblems().size(), 1u);
   toolkit.WDialogUnload();
