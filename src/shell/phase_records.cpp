@@ -119,12 +119,6 @@ bool ReadPhase(RecordStore& store, PhaseRecords& phase, bool codes, ProjectPhase
   return true;
 }
 
-std::string Label4(std::string_view label) {
-  std::string text(Trimmed(label).substr(0, 4));
-  text.resize(4, ' ');
-  return text;
-}
-
 template <size_t N>
 Record Values(std::string_view key, std::string_view layout, const std::array<float, N>& v) {
   const std::vector<FormatArg> args(v.begin(), v.end());
@@ -185,6 +179,12 @@ bool ReadFirstPhase(RecordStore& store, PhaseRecords& phase, bool& anisotropic) 
   const bool read = ReadPhase(store, phase, false, other, error);
   anisotropic = other.anisotropic;
   return read;
+}
+
+std::string Label4(std::string_view label) {
+  std::string text(Trimmed(label).substr(0, 4));
+  text.resize(4, ' ');
+  return text;
 }
 
 float PhaseVolume(const PhaseRecords& phase) {

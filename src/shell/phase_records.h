@@ -64,6 +64,9 @@ enum class PhaseBlockWriter { kAdd, kDelete, kDialog };
 // The block of all phases, key by key in the order of phase add, by the writer's layouts.
 std::vector<Record> PhaseRecordBlock(const ProjectPhases& project, PhaseBlockWriter writer);
 
+// An atom label as the records hold it: four characters, blank-padded.
+std::string Label4(std::string_view label);
+
 // Cell volume in A^3, and density in g/cm^3 from the formula weight and Z (0 for no cell).
 float PhaseVolume(const PhaseRecords& phase);
 float PhaseDensity(const PhaseRecords& phase);

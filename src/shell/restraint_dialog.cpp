@@ -18,12 +18,6 @@ constexpr std::string_view kLineLayout = "(a4,2x,i6,2x,f5.2,6(2x,a4,2x,i6))";
 constexpr int kCentralCode = 1555;  // the central atom stands as it is
 constexpr int kMaxLigands = 6;
 
-std::string Label4(std::string_view label) {
-  std::string text(Trimmed(label).substr(0, 4));
-  text.resize(4, ' ');
-  return text;
-}
-
 // Labels and codes of a line of six pairs; a blank label ends the line.
 std::vector<std::pair<std::string, int>> ReadPairs(std::string_view data, std::string_view layout,
                                                    bool& good) {

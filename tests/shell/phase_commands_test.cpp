@@ -3,64 +3,35 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <filesystem>
-#include <sstream>
 
 #include "shell/menu_session.h"
+#include "shell/phase_checks.h"
 #include "shell/phase_dialog.h"
 
 namespace kaldena {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ExpectSamePhase;
 using testing::Session;
 
 // The lines of a key in the parameter file, trailing blanks cut.
 std::vector<std::string> Lines(const Session& s, std::string_view key) {
-  std::istringstream par(s.Read("corundum.par"));
   std::vector<std::string> lines;
-  for (std::string line; std::getline(par, line);) {
-    line.erase(line.find_last_not_of(" \r") + 1);
+  for (std::string& line : testing::TextLines(s.Read("corundum.par"))) {
     if (line.starts_with(key)) lines.push_back(line);
   }
   return lines;
 }
 
 ProjectPhases Phases(const Session& s) {
-  RecordingReporter reporter;
-  RecordStore store(reporter);
-  EXPECT_GT(store.jReadRecFile((s.dir.Path() / "corundum.par").string()), 0);
-  ProjectPhases project;
-  std::string error;
-  EXPECT_TRUE(ReadProjectPhases(store, project, error)) << error;
-  return project;
+  return testing::ReadPhases((s.dir.Path() / "corundum.par").string());
 }
 
 void AddFrom(Session& s, int source, const std::string& file = "") {
   s.toolkit.QueueDialog({kAddPhaseDialog, {{source, "1"}, {kAddPhaseFile, file}}, {kIdOk}});
   DispatchMenu(s.shell, menu::kAddPhase);
-}
-
-// Equal within the digits of the writing layouts (f10.5, f9.5 and the four of e12.4).
-template <size_t N>
-void ExpectNear(const std::array<float, N>& a, const std::array<float, N>& b) {
-  for (size_t i = 0; i < N; ++i) EXPECT_NEAR(a[i], b[i], 1e-4f * std::abs(b[i]) + 6e-6f) << i;
-}
-
-void ExpectSamePhase(const PhaseRecords& a, const PhaseRecords& b) {
-  EXPECT_EQ(a.title, b.title);
-  EXPECT_EQ(a.spaceGroup, b.spaceGroup);
-  ExpectNear(a.cell, b.cell);
-  ExpectNear(a.scale, b.scale);
-  ExpectNear(a.widths, b.widths);
-  ExpectNear(a.shape, b.shape);
-  ASSERT_EQ(a.atoms.size(), b.atoms.size());
-  for (size_t i = 0; i < a.atoms.size(); ++i) {
-    EXPECT_EQ(a.atoms[i].label, b.atoms[i].label);
-    EXPECT_EQ(a.atoms[i].type, b.atoms[i].type);
-    ExpectNear(a.atoms[i].values, b.atoms[i].values);
-  }
 }
 
 TEST(PhaseCommands, CancelChangesNothingAndDefaultsMakeASecondPhase) {

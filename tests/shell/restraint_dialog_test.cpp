@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/restraints.h"
+#include "shell/phase_checks.h"
 #include "shell/phase_dialog.h"
 #include "shell/shell_fixture.h"
 #include "util/text.h"
@@ -45,17 +46,8 @@ struct RestraintFixture : testing::ShellFixture {
   }
   std::vector<std::string> Lines(std::string_view key) const {
     std::vector<std::string> lines;
-    for (std::string_view line : SplitText(Read("p.par"))) {
-      if (line.starts_with(key)) lines.emplace_back(StrippedText(line));
-    }
-    return lines;
-  }
-  static std::vector<std::string_view> SplitText(std::string_view text) {
-    std::vector<std::string_view> lines;
-    for (size_t start = 0; start < text.size();) {
-      const size_t end = std::min(text.find('\n', start), text.size());
-      lines.push_back(text.substr(start, end - start));
-      start = end + 1;
+    for (std::string& line : testing::TextLines(Read("p.par"))) {
+      if (line.starts_with(key)) lines.push_back(line);
     }
     return lines;
   }
