@@ -106,8 +106,8 @@ void StartingValues(PhaseRecords& phase) {
   phase.widths[2] = 0.02f;
 }
 
-// The CIF's phase; its atom types are the CIF's elements, which take the number of their
-// ANOM line, new lines appended to `typeLines`.
+// The CIF's phase; each atom's type is the number of its element among `elements` (the
+// symbols of the ANOM lines), where an element new to the project is appended.
 bool CifPhase(ShellState& state, Toolkit& toolkit, const std::string& file,
               std::vector<std::string>& elements, PhaseRecords& phase) {
   NewPhase cif;
