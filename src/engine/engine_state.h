@@ -123,11 +123,15 @@ struct ParameterBlock {
   bool active = false;
 };
 
+// A restraint of one central atom: a distance to each partner, and with four partners (a
+// tetrahedron) or six (an octahedron, opposite partners in the order 1-2, 3-4, 5-6) also the
+// partners' edge lengths that the central distance implies.
 struct Restraint {
-  std::string name;
+  std::string name;  // label of the central atom
   float distance = 0;
   float weight = 0;
   std::vector<std::pair<std::string, int>> partners;  // atom label and symmetry code
+  int code = 1555;                                     // symmetry code of the central atom
 };
 
 // Instrument and least-squares controls read from the records.

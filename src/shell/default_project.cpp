@@ -91,21 +91,6 @@ std::vector<std::pair<std::string, std::vector<Record>>> DialogDefaults(
   };
 }
 
-// An ANOM line for the element that an atom's name begins with, with the table's f' and f''
-// at the default wavelength; hydrogen when the name names no element.
-Record AtomTypeLine(std::string_view atomName) {
-  std::string symbol(Trimmed(atomName).substr(0, 2));
-  symbol.resize(2, ' ');
-  if (symbol[1] != ' ' && ElementNumber(symbol) == 0) symbol[1] = ' ';
-  int z = ElementNumber(symbol);
-  if (z == 0) {
-    symbol = "H ";
-    z = 1;
-  }
-  const ScatteringData data = GetScatteringData(kDefaultWavelength, z);
-  return Line("ANOM", "(a2,8x,2f10.5)", symbol, data[9], data[10]);
-}
-
 // A CIF numbers its atom types from 1 by element; in a project that has types already, an
 // element takes the number of its ANOM line, and new elements follow the lines there.
 NewPhase WithProjectTypes(const NewPhase& phase, const std::vector<Record>& typeLines) {
@@ -130,6 +115,19 @@ int FirstInteger(std::string_view data) {
 }
 
 }  // namespace
+
+std::string AtomTypeSymbol(std::string_view atomName) {
+  std::string symbol(Trimmed(atomName).substr(0, 2));
+  symbol.resize(2, ' ');
+  if (symbol[1] != ' ' && ElementNumber(symbol) == 0) symbol[1] = ' ';
+  return ElementNumber(symbol) == 0 ? "H " : symbol;
+}
+
+Record AtomTypeLine(std::string_view atomName) {
+  const std::string symbol = AtomTypeSymbol(atomName);
+  const ScatteringData data = GetScatteringData(kDefaultWavelength, ElementNumber(symbol));
+  return Line("ANOM", "(a2,8x,2f10.5)", symbol, data[9], data[10]);
+}
 
 NewPhase DefaultPhase() {
   NewPhase phase;

@@ -33,6 +33,12 @@ struct NewPhase {
   bool fromCif = false;
 };
 
+// The element that an atom's name begins with, as a two-character type symbol; hydrogen when
+// the name names no element.
+std::string AtomTypeSymbol(std::string_view atomName);
+// The ANOM line of that element, with the table's f' and f'' at the default wavelength.
+Record AtomTypeLine(std::string_view atomName);
+
 // One atom "H" of type 1 at the origin, occupancy 1, B 1, in "P 1" with a cell of 10 A.
 NewPhase DefaultPhase();
 

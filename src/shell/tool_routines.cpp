@@ -6,6 +6,8 @@
 #include "shell/main_window.h"
 #include "shell/option_dialogs.h"
 #include "shell/peak_dialog.h"
+#include "shell/phase_commands.h"
+#include "shell/phase_dialog.h"
 #include "shell/plot_dialogs.h"
 #include "shell/plot_window.h"
 #include "shell/project_lifecycle.h"
@@ -52,6 +54,9 @@ ShellRoutines ToolRoutines() {
   r.crystallinity = CrystallinityDialog;
   r.addAtoms = AddAtomsDialog;
   AddEditRoutines(r);
+  r.editPhase = EditPhaseDialog;
+  r.addPhase = AddPhase;
+  r.deletePhase = DeletePhase;
   r.writeStructureCif = [](ShellState& state, Toolkit& toolkit, const std::string& parameters,
                            const std::string& cif) {
     ShellReporter reporter(state, toolkit);

@@ -11,6 +11,7 @@
 #include <set>
 #include <sstream>
 
+#include "shell/phase_dialog.h"
 #include "shell/project_lifecycle.h"
 #include "shell/tool_routines.h"
 #include "support/checked_toolkit.h"
@@ -484,8 +485,9 @@ TEST(EditDialogs, ANewProjectRunsFilesControlsAndGlobalsInTurn) {
   s.toolkit.QueueDialog({kControlsDialog, {{kControlsCycles, "9"}}, {kIdCancel}});
   s.toolkit.QueueDialog({kGlobalsDialog, {{kGlobalsZeroFirst, "0.03"}}});
   DispatchMenu(s.shell, menu::kNewFromDefaults);
+  // The phase dialog follows for the one phase: this build has one.
   EXPECT_EQ(s.toolkit.DialogsShown(),
-            (std::vector<int>{kFilesDialog, kControlsDialog, kGlobalsDialog}));
+            (std::vector<int>{kFilesDialog, kControlsDialog, kGlobalsDialog, kPhaseDialog}));
   const std::string project = testing::ReadBytes(s.dir.Path() / "fresh.rec");
   EXPECT_NE(project.find("TITL      Fresh sample"), std::string::npos);
   EXPECT_NE(project.find("ZETT         0.03000"), std::string::npos);
