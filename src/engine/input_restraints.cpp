@@ -1,5 +1,6 @@
 // Distance restraints of the input stage: the weight, and each restraint with its partners.
 #include "engine/input_stages.h"
+#include "store/record_keys.h"
 #include "util/column_format.h"
 #include "util/text.h"
 
@@ -17,7 +18,7 @@ bool ReadPartners(InputRecords& in, Restraint& restraint) {
   }
   std::array<std::string, 6> labels;
   std::array<int, 6> codes{};
-  if (Read(data, "(6(A4,I6,1X))", labels[0], codes[0], labels[1], codes[1], labels[2], codes[2],
+  if (Read(data, ReadLayout("LRES"), labels[0], codes[0], labels[1], codes[1], labels[2], codes[2],
            labels[3], codes[3], labels[4], codes[4], labels[5], codes[5]) != ReadStatus::kOk) {
     in.List().Line(ErrorReading("LRES", data));
     in.Fail();
@@ -33,12 +34,11 @@ bool ReadPartners(InputRecords& in, Restraint& restraint) {
 
 bool ReadRestraints(InputRecords& in, EngineState& state) {
   float& weight = state.controls.restraintWeight;
-  in.Next("WRES", "(F10.0)", weight);
+  in.Next("WRES", weight);
   if (weight <= 0) return !in.Failed();
   while (static_cast<int>(state.restraints.size()) < kMaxRestraints) {
     Restraint restraint;
-    if (in.Next("CRES", "(A4,6X,2F10.0)", restraint.name, restraint.distance,
-                restraint.weight) != RecordRead::kOk) {
+    if (in.Next("CRES", restraint.name, restraint.distance, restraint.weight) != RecordRead::kOk) {
       break;
     }
     if (!ReadPartners(in, restraint)) return false;
