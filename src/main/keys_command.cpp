@@ -19,8 +19,8 @@ int KeysCommand(const std::vector<std::string>& args) {
   if (args.empty()) {
     std::string list;
     for (const RecordKeyEntry& e : RecordKeys()) {
-      std::string key(e.key);
-      list += key + "  " + std::string(e.fields.substr(0, 70 - key.size())) + "\n";
+      list += std::string(e.key) + "  " + std::string(e.fields.substr(0, e.fields.find(';'))) +
+              "\n";
     }
     Print(list);
     return 0;

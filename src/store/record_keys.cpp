@@ -187,8 +187,8 @@ std::string KeyEntryText(const RecordKeyEntry& e) {
                      std::string(FamilyText(e.family)) + "\n";
   const std::pair<std::string_view, std::string> rows[] = {
       {"fields", std::string(e.fields)},
-      {"written", Code(e.written)},
-      {"read", Code(e.read)},
+      {"written", std::string(OrNone(e.written))},
+      {"read", std::string(OrNone(e.read))},
       {"if absent", std::string(OrNone(e.absent))},
       {"units", std::string(OrNone(e.units))},
       {"range", std::string(OrNone(e.range))},
