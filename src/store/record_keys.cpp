@@ -1,7 +1,5 @@
 #include "store/record_keys.h"
 
-#include <algorithm>
-
 #include "util/text.h"
 
 namespace kaldena {
@@ -9,11 +7,8 @@ namespace kaldena {
 namespace {
 
 std::string FoldedKey(std::string_view key) {
-  std::string folded(key.substr(0, 4));
+  std::string folded = UpperText(key.substr(0, 4));
   folded.resize(4, ' ');
-  for (char& c : folded) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
   return folded;
 }
 
