@@ -117,9 +117,8 @@ std::vector<PhaseTable> PhaseTables(const EngineState& state) {
 }
 
 void WriteTableHead(ListFile& list, bool voigt) {
-  list.Line(voigt
-                ? "   NO      H   K   L       HW   POSN     ICALC      COBS     DIFF     ESD"
-                : "   NO   H   K   L       HW   SHAPE   POSN     ICALC      COBS     DIFF    ESD");
+  list.Line(voigt ? "   NO      H   K   L       HW   POSN     ICALC      COBS     DIFF     ESD"
+                  : "   NO   H   K   L       HW   SHAPE   POSN     ICALC      COBS     DIFF    ESD");
 }
 
 // Reflection table, Fourier lines and Bragg R of one phase; returns the reflections listed.
@@ -167,12 +166,12 @@ int WritePhase(EngineState& state, Reporter& reporter, int p, const PhaseTable& 
     const float cobs = std::max(i.observed, 0.0f);
     const float root = cobs <= 0.001f ? 0.0f : std::sqrt(cobs / lp);
     const float lambda = state.globals[kWavelength].value;
-    fourier << Format(
-        "(4i4,2f12.1,f12.5,f12.1,2f12.5,6f12.4)", h, k, l, p + 1,
-        Held(cobs / lp, kTooHigh, observedHigh, "Observed", state, reporter),
-        2 * root * std::sqrt(std::abs(i.esd / lp)), std::sin(position / kTwoDegrees) / lambda,
-        Held(i.calculated / lp, kTooHigh, calculatedHigh, "Calculated", state, reporter),
-        state.work.phaseAngle[r], std::min(lp, 1e8f), position);
+    fourier << Format("(4i4,2f12.1,f12.5,f12.1,2f12.5,6f12.4)", h, k, l, p + 1,
+                      Held(cobs / lp, kTooHigh, observedHigh, "Observed", state, reporter),
+                      2 * root * std::sqrt(std::abs(i.esd / lp)),
+                      std::sin(position / kTwoDegrees) / lambda,
+                      Held(i.calculated / lp, kTooHigh, calculatedHigh, "Calculated", state, reporter),
+                      state.work.phaseAngle[r], std::min(lp, 1e8f), position);
   }
   const double base = sumObserved != 0 ? sumObserved : sumDiff;
   const float bragg = base != 0 ? static_cast<float>(std::min(100 * sumDiff / base, 999.99)) : 0.0f;

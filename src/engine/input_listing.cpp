@@ -17,8 +17,8 @@ std::string Items(std::string_view label, const Row& row, std::initializer_list<
   std::string line = " " + std::string(label);
   line.resize(24, ' ');
   for (int slot : slots) {
-    line +=
-        numbers ? FormatLine("(I10)", row[slot].number) : FormatLine(valueFormat, row[slot].value);
+    line += numbers ? FormatLine("(I10)", row[slot].number)
+                    : FormatLine(valueFormat, row[slot].value);
   }
   return line;
 }
@@ -31,8 +31,8 @@ void ListPhaseValues(const Phase& phase, ListFile& list, bool numbers) {
     list.Line(Items("METRIC", v, {6, 7, 8, 9, 10, 11}, true, ""));
   } else {
     const auto& c = phase.cell;
-    list.Line(FormatLine("(' CELL PARAMETERS       ',3F10.5,3F10.4)", c[0], c[1], c[2], c[3], c[4],
-                         c[5]));
+    list.Line(FormatLine("(' CELL PARAMETERS       ',3F10.5,3F10.4)", c[0], c[1], c[2], c[3],
+                         c[4], c[5]));
   }
   list.Line(Items("HALFWIDTH PARAMETERS", v, {3, 4, 5}, numbers, "(F10.5)"));
   list.Line(Items("PEAK SHAPE PARAMETERS", v, {15, 16, 17}, numbers, "(F10.5)"));
@@ -89,8 +89,8 @@ void ListCoding(const EngineState& state, ListFile& list) {
 void ListSymmetryOperators(const Phase& phase, int number, ListFile& list) {
   list.Text(Format("(/'Symmetry operators: phase',I3,2X,A)", number, phase.group.symbol));
   for (size_t i = 0; i < phase.group.operators.size(); ++i) {
-    list.Line(
-        FormatLine("(I5,2X,A)", static_cast<int>(i + 1), OperatorText(phase.group.operators[i])));
+    list.Line(FormatLine("(I5,2X,A)", static_cast<int>(i + 1),
+                         OperatorText(phase.group.operators[i])));
   }
 }
 

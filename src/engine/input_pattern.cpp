@@ -11,9 +11,8 @@ bool ReadPattern(InputRecords&, EngineState& state, Reporter& reporter) {
   std::vector<std::string> lines;
   if (!c.calculation) {
     state.list.Line(" STARTING RAW DATA INPUT");
-    const RawDataRequest request{
-        c.format,   c.rlim[6], state.files.data, state.files.background, state.files.weights,
-        state.debug};
+    const RawDataRequest request{c.format,          c.rlim[6],           state.files.data,
+                                 state.files.background, state.files.weights, state.debug};
     raw = ReadRawData(request, c.job.weighting, state.list, reporter);
     state.list.Line(" ENDING RAW DATA INPUT");
     if (raw.points == 0) return false;

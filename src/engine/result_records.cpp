@@ -18,8 +18,7 @@ std::array<float, N> Values(const RefinableRow<kPhaseSlots>& v, const std::array
 }
 
 template <size_t N>
-std::array<float, N> Esds(const std::array<float, kPhaseSlots>& e,
-                          const std::array<int, N>& slots) {
+std::array<float, N> Esds(const std::array<float, kPhaseSlots>& e, const std::array<int, N>& slots) {
   std::array<float, N> out{};
   for (size_t i = 0; i < N; ++i) out[i] = e[slots[i] - 1];
   return out;
@@ -53,11 +52,9 @@ void ResultRecords::AddPhase(const Phase& phase, const std::array<float, kPhaseS
     AddAsymmetry(phase, esds);
     AddPair<6>(records_, "PKSH", "SDPK", "6f10.6", Values(v, shapes), Esds(esds, shapes));
   } else {
-    AddPair<3>(records_, "HWTH", "SDHW", "3f10.6", Values<3>(v, {3, 4, 5}),
-               Esds<3>(esds, {3, 4, 5}));
+    AddPair<3>(records_, "HWTH", "SDHW", "3f10.6", Values<3>(v, {3, 4, 5}), Esds<3>(esds, {3, 4, 5}));
     AddAsymmetry(phase, esds);
-    AddPair<3>(records_, "PKSH", "SDPK", "3f10.6", Values<3>(v, {15, 16, 17}),
-               Esds<3>(esds, {15, 16, 17}));
+    AddPair<3>(records_, "PKSH", "SDPK", "3f10.6", Values<3>(v, {15, 16, 17}), Esds<3>(esds, {15, 16, 17}));
   }
   AddPair<2>(records_, "STSZ", "SDTZ", "2f10.6", Values<2>(v, {24, 25}), Esds<2>(esds, {24, 25}));
 }
@@ -97,13 +94,11 @@ void ResultRecords::AddAtom(const Atom& atom, const std::array<float, kAtomColum
   }
 }
 
-void ResultRecords::AddGlobals(const EngineState& state,
-                               const std::array<float, kGlobalSlots>& esds) {
+void ResultRecords::AddGlobals(const EngineState& state, const std::array<float, kGlobalSlots>& esds) {
   const auto& g = state.globals;
   auto six = [&](std::string_view key, int first) {
     records_.push_back(MakeRecord(key, "6f10.6", g[first].value, g[first + 1].value,
-                                  g[first + 2].value, esds[first - 1], esds[first],
-                                  esds[first + 1]));
+                                  g[first + 2].value, esds[first - 1], esds[first], esds[first + 1]));
   };
   six("ZETT", kZeroPoint);
   six("AXID", kAxial1);
