@@ -281,6 +281,9 @@ expect_check(delimiter 1 "XYZ       Al     1" "XYZ Al 1        "
 expect_check(extra_atom 2 "CXYZ Al"
              "XYZ       Al     1  0.00000  0.00000  0.30000  1.00000  0.31000  3  0  0  0\nCXYZ Al"
              "27: XYZ: warning: line not read: only the first 2 lines")
+expect_check(extra_type 2 "ANOM      O            0.04920   0.03220"
+             "ANOM      O            0.04920   0.03220\nANOM      Fe           0.0       0.0"
+             "10: ANOM: warning: line not read: only the first 2 lines")
 expect_check(site_factor 2 "0.31000  3  0  0  0" "0.31000  0  0  0  0"
              "25: XYZ: warning: site factor 1 [^\n]*the space group gives 3")
 expect_check(special 2 "CXYZ Al          0.000" "CXYZ Al          1.000"
