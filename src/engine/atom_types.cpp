@@ -15,9 +15,9 @@ namespace {
 bool ReadTableType(InputRecords& in, AtomType& type) {
   std::array<float, 4> a{}, b{};
   float c = 0;
-  if (in.RequiredValues("AXTB", " AXTB missing", "(10X,4F10.0)", a) != RecordRead::kOk ||
-      in.RequiredValues("BXTB", " BXTB missing", "(10X,4F10.0)", b) != RecordRead::kOk ||
-      in.Required("CXTB", " CXTB missing", "(10X,F10.0)", c) != RecordRead::kOk) {
+  if (in.RequiredValues("AXTB", " AXTB missing", a) != RecordRead::kOk ||
+      in.RequiredValues("BXTB", " BXTB missing", b) != RecordRead::kOk ||
+      in.Required("CXTB", " CXTB missing", c) != RecordRead::kOk) {
     return false;
   }
   for (int i = 0; i < 4; ++i) {
@@ -53,8 +53,7 @@ bool ReadAtomTypes(InputRecords& in, EngineState& state) {
   for (int i = 0; i < count; ++i) {
     AtomType type;
     std::string symbol;
-    const RecordRead read =
-        in.Next("ANOM", "(A4,6X,2F9.0)", symbol, type.fPrime, type.fDoublePrime);
+    const RecordRead read = in.Next("ANOM", symbol, type.fPrime, type.fDoublePrime);
     if (read != RecordRead::kOk) {
       if (read == RecordRead::kMissing) state.list.Line(" Error reading anom");
       in.Fail();
@@ -87,8 +86,8 @@ void ListAtomicData(const EngineState& state, ListFile& list) {
   list.Line(" X-RAY FORM FACTORS");
   for (const AtomType& t : state.atomTypes) {
     const auto& f = t.formFactor;
-    list.Line(FormatLine("(1X,A2,9F9.4,2F9.4,F10.3)", t.symbol, f[0], f[1], f[2], f[3], f[4],
-                         f[5], f[6], f[7], f[8], t.fPrime, t.fDoublePrime, t.mass));
+    list.Line(FormatLine("(1X,A2,9F9.4,2F9.4,F10.3)", t.symbol, f[0], f[1], f[2], f[3], f[4], f[5],
+                         f[6], f[7], f[8], t.fPrime, t.fDoublePrime, t.mass));
   }
 }
 

@@ -9,6 +9,7 @@
 #include "engine/pattern_terms.h"
 #include "engine/result_records.h"
 #include "store/record_catalogue.h"
+#include "store/record_keys.h"
 #include "util/column_format.h"
 
 namespace kaldena {
@@ -178,9 +179,9 @@ int WritePhase(EngineState& state, Reporter& reporter, int p, const PhaseTable& 
   reporter.LogLine(FormatLine("(' BRAGG R-FACTOR =',F7.2)", bragg));
   state.summary.phaseFits.push_back({bragg, number});
   const CycleSummary& s = state.summary;
-  state.resultRecords.push_back(MakeRecord("RVAL", "i4,i6,i5,5f10.4,i5", state.parameters,
-                                           s.points, number, s.rp, s.rwp, s.chi2, bragg,
-                                           s.restraintR, s.restraints));
+  state.resultRecords.push_back(MakeRecord("RVAL", WriteLayout("RVAL"), state.parameters, s.points,
+                                           number, s.rp, s.rwp, s.chi2, bragg, s.restraintR,
+                                           s.restraints));
   return number;
 }
 
@@ -268,7 +269,7 @@ void ListCrystallinity(EngineState& state) {
                        c.wavelengths[0], c.wavelengths[1]));
   list.Line(FormatLine("(f14.2,2f8.2)", k.unweighted, limits.minimum, limits.maximum));
   const auto& v = c.crystallinity;
-  state.resultRecords.push_back(MakeRecord("CRYS", "4f10.2", v[0], v[1], v[2], v[3]));
+  state.resultRecords.push_back(MakeRecord("CRYS", WriteLayout("CRYS"), v[0], v[1], v[2], v[3]));
 }
 
 }  // namespace
@@ -289,10 +290,10 @@ OutputStatus WriteEngineOutput(EngineState& state, Reporter& reporter) {
   fourier.close();
   const CycleSummary& s = state.summary;
   const RunControls& c = state.controls;
-  state.resultRecords.push_back(MakeRecord("CIF1", "4f10.3", s.rp, s.rwp, s.sumWeightedDiff2,
-                                           s.sumWeightedObserved2));
-  state.resultRecords.push_back(MakeRecord("CIF2", "6f10.5", range.start, range.stop, range.step,
-                                           range.start - range.correction,
+  state.resultRecords.push_back(MakeRecord("CIF1", WriteLayout("CIF1"), s.rp, s.rwp,
+                                           s.sumWeightedDiff2, s.sumWeightedObserved2));
+  state.resultRecords.push_back(MakeRecord("CIF2", WriteLayout("CIF2"), range.start, range.stop,
+                                           range.step, range.start - range.correction,
                                            range.stop - range.correction, range.step));
   const bool summary = WriteSummary(state, reporter, range);
   if (summary && c.crystallinity != std::array<float, 4>{}) ListCrystallinity(state);

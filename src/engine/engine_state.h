@@ -84,6 +84,7 @@ struct Atom {
   std::string label;  // 4 characters
   int type = 1;       // into the atom types, from 1
   int siteFactor = 1;
+  bool siteFactorFromGroup = false;  // the line left it blank or 0
   int yCoupling = 0, zCoupling = 0, bCoupling = 0;  // 0 to 5
   bool anisotropic = false;                          // a BETA line was read
   RefinableRow<kAtomColumns> values;

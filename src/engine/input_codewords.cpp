@@ -11,7 +11,7 @@ void ReadAtomCodewords(InputRecords& in, const RunControls& c, Atom& atom) {
   // A relaxation factor of 0 switches its whole class of atom values off.
   if (c.relaxation[0] != 0) {
     std::array<float, 5> w{};
-    in.NextValues("CXYZ", "(5F10.0)", w);
+    in.NextValues("CXYZ", w);
     v[kAtomX].fraction = w[0];
     v[kAtomY].fraction = w[1];
     v[kAtomZ].fraction = w[2];
@@ -23,32 +23,32 @@ void ReadAtomCodewords(InputRecords& in, const RunControls& c, Atom& atom) {
     return;
   }
   std::array<float, 6> w{};
-  in.NextValues("CBET", "(6F10.0)", w);
+  in.NextValues("CBET", w);
   for (int i = 0; i < 6; ++i) v[kAtomBeta11 + i].fraction = w[i];
 }
 
 // A row of codewords into the slots that `slots` names, in record order.
 template <size_t N>
-void ReadPhaseRow(InputRecords& in, std::string_view key, std::string_view layout, Phase& phase,
+void ReadPhaseRow(InputRecords& in, std::string_view key, Phase& phase,
                   const std::array<int, N>& slots) {
   std::array<float, N> w{};
-  in.NextValues(key, layout, w);
+  in.NextValues(key, w);
   for (size_t i = 0; i < N; ++i) phase.values[slots[i]].fraction = w[i];
 }
 
 void ReadPhaseCodewords(InputRecords& in, Phase& phase) {
-  ReadPhaseRow<2>(in, "CSCA", "(2F10.0)", phase, {kScale, kOverallB});
+  ReadPhaseRow<2>(in, "CSCA", phase, {kScale, kOverallB});
   // a, b, c, alpha, beta, gamma drive A, B, C, F, E, D: the slot order of the metric.
-  ReadPhaseRow<6>(in, "CCEL", "(6F10.0)", phase,
+  ReadPhaseRow<6>(in, "CCEL", phase,
                   {kMetricA, kMetricA + 1, kMetricA + 2, kMetricA + 3, kMetricA + 4, kMetricA + 5});
-  ReadPhaseRow<6>(in, "CHWT", "(6F10.0)", phase,
+  ReadPhaseRow<6>(in, "CHWT", phase,
                   {kHalfwidthU, kHalfwidthU + 1, kHalfwidthU + 2, kRightHalfwidthU,
                    kRightHalfwidthU + 1, kRightHalfwidthU + 2});
-  ReadPhaseRow<3>(in, "CASY", "(3F10.0)", phase, {kOrientation1, kAsymmetry, kOrientation2});
-  ReadPhaseRow<6>(in, "CPKS", "(6F10.0)", phase,
-                  {kShapeA, kShapeA + 1, kShapeA + 2, kRightShapeA, kRightShapeA + 1,
-                   kRightShapeA + 2});
-  ReadPhaseRow<2>(in, "CSTS", "(2F10.0)", phase, {kStackingFault, kSize});
+  ReadPhaseRow<3>(in, "CASY", phase, {kOrientation1, kAsymmetry, kOrientation2});
+  ReadPhaseRow<6>(
+      in, "CPKS", phase,
+      {kShapeA, kShapeA + 1, kShapeA + 2, kRightShapeA, kRightShapeA + 1, kRightShapeA + 2});
+  ReadPhaseRow<2>(in, "CSTS", phase, {kStackingFault, kSize});
 }
 
 }  // namespace

@@ -40,10 +40,10 @@ bool ReadJobType(EngineState& state) {
 bool ReadWavelengths(InputRecords& in, EngineState& state) {
   RunControls& c = state.controls;
   float codeword = 0;
-  in.Next("CWAV", "(F10.0)", codeword);
+  in.Next("CWAV", codeword);
   if (codeword != 0) {
     float wavelength = 0;
-    if (in.Required("WAVE", " WAVE record missing", "(F10.0)", wavelength) != RecordRead::kOk) {
+    if (in.Required("WAVE", " WAVE record missing", wavelength) != RecordRead::kOk) {
       return false;
     }
     if (!(wavelength > 0)) {
@@ -57,7 +57,7 @@ bool ReadWavelengths(InputRecords& in, EngineState& state) {
     return true;
   }
   std::array<float, 3>& w = c.wavelengths;
-  if (in.RequiredValues("ELAM", " ELAM record missing", "(3F10.0)", w) != RecordRead::kOk) {
+  if (in.RequiredValues("ELAM", " ELAM record missing", w) != RecordRead::kOk) {
     return false;
   }
   if (!(w[0] > 0)) {
@@ -70,8 +70,8 @@ bool ReadWavelengths(InputRecords& in, EngineState& state) {
     w[2] = 1.0f;
   }
   state.globals[kWavelength].value = w[0];
-  state.list.Line(FormatLine("(' WAVELENGTHS                = ',2F9.5,'   RATIO = ',F7.4)", w[0],
-                             w[1], w[2]));
+  state.list.Line(
+      FormatLine("(' WAVELENGTHS                = ',2F9.5,'   RATIO = ',F7.4)", w[0], w[1], w[2]));
   return true;
 }
 
@@ -83,12 +83,12 @@ void ListCorrection(ListFile& list, std::string_view label, float value) {
 
 bool ReadLimits(InputRecords& in, EngineState& state, Reporter& reporter) {
   RunControls& c = state.controls;
-  if (in.RequiredValues("RLIM", " RLIM record missing", "(8F9.0)", c.rlim) != RecordRead::kOk) {
+  if (in.RequiredValues("RLIM", " RLIM record missing", c.rlim) != RecordRead::kOk) {
     return false;
   }
   ListFile& list = state.list;
-  list.Line(FormatLine("(' BASE OF PEAK                             = ',F6.2,'*2.0*HW')",
-                       c.rlim[0]));
+  list.Line(
+      FormatLine("(' BASE OF PEAK                             = ',F6.2,'*2.0*HW')", c.rlim[0]));
   ListCorrection(list, "MONOCHROMATOR POLARISATION FACTOR", c.rlim[1]);
   ListCorrection(list, "SYNCHROTRON POLARISATION FACTOR", c.rlim[4]);
   ListCorrection(list, "GUINIER TANGENT ANGLE", c.rlim[5]);
@@ -102,9 +102,8 @@ bool ReadLimits(InputRecords& in, EngineState& state, Reporter& reporter) {
 bool ReadLeastSquares(InputRecords& in, EngineState& state) {
   RunControls& c = state.controls;
   std::array<float, 5> relx{};
-  if (in.Required("RELX", " RELX record missing", "(I5,5F5.0,3F10.0)", c.cycles, relx[0],
-                  relx[1], relx[2], relx[3], relx[4], c.start, c.step,
-                  c.stop) != RecordRead::kOk) {
+  if (in.Required("RELX", " RELX record missing", c.cycles, relx[0], relx[1], relx[2], relx[3],
+                  relx[4], c.start, c.step, c.stop) != RecordRead::kOk) {
     return false;
   }
   c.termination = relx[0];
@@ -114,18 +113,17 @@ bool ReadLeastSquares(InputRecords& in, EngineState& state) {
   list.Line(FormatLine("(' RELAXATION FACTORS (ATOMIC, THERMAL, PROFILE, OTHER) = ',4F6.2)",
                        c.relaxation[0], c.relaxation[1], c.relaxation[2], c.relaxation[3]));
   list.Line(FormatLine("(' EPS-VALUE                                = ',F6.2)", c.termination));
-  if (in.Next("DAMP", "(F10.0)", c.damping) == RecordRead::kMissing) c.damping = 1.0f;
+  if (in.Next("DAMP", c.damping) == RecordRead::kMissing) c.damping = 1.0f;
   list.Line(FormatLine("(' DIAGONAL DAMPING                         = ',F6.2)", c.damping));
   for (int i = 0; i < kMaxLimitLines; ++i) {
     ParameterLimit limit;
-    if (in.Next("LIMP", "(I5,F10.0)", limit.number, limit.limit) != RecordRead::kOk) break;
+    if (in.Next("LIMP", limit.number, limit.limit) != RecordRead::kOk) break;
     c.limits.push_back(limit);
     list.Line(FormatLine("(' LIMIT FOR PARAMETER   ',I5,F12.5)", limit.number, limit.limit));
   }
   for (;;) {
     ParameterBlock block;
-    if (in.Next("BLOK", "(I5,F10.0,I5)", block.watched, block.limit, block.blocked) !=
-        RecordRead::kOk) {
+    if (in.Next("BLOK", block.watched, block.limit, block.blocked) != RecordRead::kOk) {
       break;
     }
     c.blocks.push_back(block);
@@ -139,8 +137,7 @@ bool ReadExcludedRegions(InputRecords& in, EngineState& state) {
   RunControls& c = state.controls;
   for (int i = 0; i < c.job.excludedRegions; ++i) {
     std::array<float, 2> region{};
-    if (in.RequiredValues("EXRG", " EXRG record missing", "(2F10.0)", region) !=
-        RecordRead::kOk) {
+    if (in.RequiredValues("EXRG", " EXRG record missing", region) != RecordRead::kOk) {
       return false;
     }
     c.excludedRegions.push_back(region);
@@ -166,12 +163,12 @@ bool ReadJob(InputRecords& in, EngineState& state, Reporter& reporter) {
 bool ReadInstrument(InputRecords& in, EngineState& state, Reporter& reporter) {
   RunControls& c = state.controls;
   c.output = {0, 0};
-  in.Next("UTPT", "(2I5)", c.output[0], c.output[1]);
+  in.Next("UTPT", c.output[0], c.output[1]);
   if (c.output[0] == 0) c.output[0] = 25;
   if (c.output[1] < 50 || c.output[1] > 100) c.output[1] = 90;
   std::array<int, 14>& d = c.display;
-  in.Next("DSPL", "(14I5)", d[0], d[1], d[2], d[3], d[4], d[5], d[6], d[7], d[8], d[9], d[10],
-          d[11], d[12], d[13]);
+  in.Next("DSPL", d[0], d[1], d[2], d[3], d[4], d[5], d[6], d[7], d[8], d[9], d[10], d[11], d[12],
+          d[13]);
   return ReadWavelengths(in, state) && ReadLimits(in, state, reporter) &&
          ReadLeastSquares(in, state) && ReadExcludedRegions(in, state);
 }

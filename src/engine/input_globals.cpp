@@ -14,11 +14,11 @@ namespace {
 void ReadGlobalRow(InputRecords& in, EngineState& state, std::string_view key,
                    std::string_view codewordKey, int firstSlot, int count) {
   std::array<float, 6> values{};
-  in.NextValues(key, "(6F10.0)", values);
+  in.NextValues(key, values);
   for (int i = 0; i < count; ++i) state.globals[firstSlot + i].value = values[i];
   if (!IsRefinement(state.controls)) return;
   values.fill(0);
-  in.NextValues(codewordKey, "(6F10.0)", values);
+  in.NextValues(codewordKey, values);
   for (int i = 0; i < count; ++i) state.globals[firstSlot + i].fraction = values[i];
 }
 
@@ -51,7 +51,7 @@ void ReadBackgroundRows(InputRecords& in, EngineState& state, std::string_view k
                         bool codewords) {
   for (int row = 0; row < kBackgroundTerms / 5; ++row) {
     std::array<float, 5> values{};
-    if (in.NextValues(key, "(5F10.0)", values) != RecordRead::kOk) return;
+    if (in.NextValues(key, values) != RecordRead::kOk) return;
     for (int i = 0; i < 5; ++i) {
       Refinable& term = state.globals[kFirstBackground + 5 * row + i];
       (codewords ? term.fraction : term.value) = values[i];
@@ -62,9 +62,9 @@ void ReadBackgroundRows(InputRecords& in, EngineState& state, std::string_view k
 void ReadBackground(InputRecords& in, EngineState& state) {
   const bool refinement = IsRefinement(state.controls);
   Refinable& factor = state.globals[kBackgroundFactor];
-  if (refinement) in.Next("CBGS", "(F10.0)", factor.fraction);
+  if (refinement) in.Next("CBGS", factor.fraction);
   factor.value = 1.0f;
-  in.Next("BGSC", "(F10.0)", factor.value);
+  in.Next("BGSC", factor.value);
   ListFile& list = state.list;
   if (factor.fraction != 0) list.Line(" Background factor will be refined");
   if (refinement) ReadBackgroundRows(in, state, "CBKG", true);
@@ -78,16 +78,16 @@ void ReadBackground(InputRecords& in, EngineState& state) {
                          g[first + 2].fraction, g[first + 3].value, g[first + 3].fraction,
                          g[first + 4].value, g[first + 4].fraction));
   }
-  in.NextValues("CRYS", "(4F10.0)", state.controls.crystallinity);
+  in.NextValues("CRYS", state.controls.crystallinity);
 }
 
 // ICLT with its SPLC points or POLY coefficients (five a line, at most three lines).
 bool ReadCalibration(InputRecords& in, EngineState& state) {
   RunControls& c = state.controls;
-  in.Next("ICLT", "(I5)", c.calibration);
+  in.Next("ICLT", c.calibration);
   if (c.calibration < 0) {
     std::array<float, 3> point{};
-    while (in.NextValues("SPLC", "(3E16.7)", point) == RecordRead::kOk) {
+    while (in.NextValues("SPLC", point) == RecordRead::kOk) {
       c.splinePoints.push_back(point);
     }
     return !in.Failed();
@@ -96,7 +96,7 @@ bool ReadCalibration(InputRecords& in, EngineState& state) {
   const int count = std::min(c.calibration, 15);
   for (int row = 0; row * 5 < count; ++row) {
     std::array<double, 5> v{};
-    if (in.Required("POLY", " POLY record missing", "(5E14.7)", v[0], v[1], v[2], v[3], v[4]) !=
+    if (in.Required("POLY", " POLY record missing", v[0], v[1], v[2], v[3], v[4]) !=
         RecordRead::kOk) {
       return false;
     }

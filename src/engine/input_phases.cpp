@@ -30,12 +30,13 @@ int SiteFactor(const SpaceGroupInfo& group, const Atom& atom, float x, float y, 
 
 bool ReadAtom(InputRecords& in, const SpaceGroupInfo& group, Atom& atom) {
   float x = 0, y = 0, z = 0, occupation = 0, b = 0;
-  if (in.Required("XYZ ", " XYZ record missing", "(A4,6X,I4,5F9.0,4I3)", atom.label, atom.type,
-                  x, y, z, occupation, b, atom.siteFactor, atom.yCoupling, atom.zCoupling,
+  if (in.Required("XYZ ", " XYZ record missing", atom.label, atom.type, x, y, z, occupation, b,
+                  atom.siteFactor, atom.yCoupling, atom.zCoupling,
                   atom.bCoupling) != RecordRead::kOk) {
     return false;
   }
   atom.type = std::clamp(atom.type, 1, kMaxAtomTypes);
+  atom.siteFactorFromGroup = atom.siteFactor == 0;
   atom.siteFactor = SiteFactor(group, atom, x, y, z, in.List());
   atom.yCoupling = CouplingCode(atom.yCoupling);
   atom.zCoupling = CouplingCode(atom.zCoupling);
@@ -54,21 +55,21 @@ bool ReadAtom(InputRecords& in, const SpaceGroupInfo& group, Atom& atom) {
 void ReadThermal(InputRecords& in, Atom& atom) {
   std::string label;
   std::array<float, 6> values{};
-  if (in.Next("BISO", "(A4,6X,6F10.0)", label, values[0]) == RecordRead::kOk) {
+  if (in.Next("BISO", label, values[0]) == RecordRead::kOk) {
     atom.values[kAtomB].value = values[0];
   }
-  if (in.Next("BETA", "(A4,6X,6F9.0)", label, values[0], values[1], values[2], values[3],
-              values[4], values[5]) == RecordRead::kOk) {
+  if (in.Next("BETA", label, values[0], values[1], values[2], values[3], values[4], values[5]) ==
+      RecordRead::kOk) {
     atom.anisotropic = true;
     for (int i = 0; i < 6; ++i) atom.values[kAtomBeta11 + i].value = values[i];
   }
 }
 
 // Six values of which the last three belong to the right side of a split profile.
-void ReadSides(InputRecords& in, std::string_view key, std::array<float, 3> absent,
-               Phase& phase, int leftSlot, int rightSlot) {
+void ReadSides(InputRecords& in, std::string_view key, std::array<float, 3> absent, Phase& phase,
+               int leftSlot, int rightSlot) {
   std::array<float, 6> v{absent[0], absent[1], absent[2], absent[0], absent[1], absent[2]};
-  if (in.NextValues(key, "(6F10.0)", v) == RecordRead::kMissing) {
+  if (in.NextValues(key, v) == RecordRead::kMissing) {
     v = {absent[0], absent[1], absent[2], absent[0], absent[1], absent[2]};
   }
   for (int i = 0; i < 3; ++i) {
@@ -80,8 +81,8 @@ void ReadSides(InputRecords& in, std::string_view key, std::array<float, 3> abse
 bool ReadPhaseHead(InputRecords& in, Phase& phase, std::vector<std::string>& lines) {
   phase.title = FindText(in.Store(), "PHTI", "Untitled phase");
   std::array<float, 9> v{};
-  if (in.Required("PHNA", "PHNA record missing", "(I5,9F5.0)", phase.atoms, v[0], v[1], v[2],
-                  v[3], v[4], v[5], v[6], v[7], v[8]) != RecordRead::kOk) {
+  if (in.Required("PHNA", "PHNA record missing", phase.atoms, v[0], v[1], v[2], v[3], v[4], v[5],
+                  v[6], v[7], v[8]) != RecordRead::kOk) {
     return false;
   }
   for (int i = 0; i < 3; ++i) {
@@ -99,10 +100,10 @@ bool ReadPhaseHead(InputRecords& in, Phase& phase, std::vector<std::string>& lin
 
 bool ReadPhaseValues(InputRecords& in, EngineState& state, Phase& phase) {
   auto& v = phase.values;
-  in.Next("SCAL", "(2F15.0)", v[kScale].value, v[kOverallB].value);
+  in.Next("SCAL", v[kScale].value, v[kOverallB].value);
   ReadSides(in, "HWTH", {0, 0, 0.03f}, phase, kHalfwidthU, kRightHalfwidthU);
   std::array<float, 6> strainSize{};
-  in.NextValues("STSZ", "(6F10.0)", strainSize);
+  in.NextValues("STSZ", strainSize);
   v[kStackingFault].value = strainSize[0];
   v[kSize].value = strainSize[1];
   std::string data;
@@ -116,8 +117,7 @@ bool ReadPhaseValues(InputRecords& in, EngineState& state, Phase& phase) {
     return false;
   }
   int cellulose = 0;
-  in.Next("ASYM", "(3F10.0,I5)", v[kOrientation1].value, v[kAsymmetry].value,
-          v[kOrientation2].value, cellulose);
+  in.Next("ASYM", v[kOrientation1].value, v[kAsymmetry].value, v[kOrientation2].value, cellulose);
   phase.celluloseOrientation = cellulose == 1;
   // An orientation value of 0 means no correction, which the factor's form gives at 1.
   for (int slot : {kOrientation1, kOrientation2}) {

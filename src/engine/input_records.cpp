@@ -2,13 +2,14 @@
 
 #include <vector>
 
+#include "store/record_keys.h"
+
 namespace kaldena {
 
-RecordRead InputRecords::NextInto(std::string_view key, std::string_view layout,
-                                  std::span<const ReadTarget> targets) {
+RecordRead InputRecords::NextInto(std::string_view key, std::span<const ReadTarget> targets) {
   std::string data;
   if (store_.jFindRec(key, data) != 1) return RecordRead::kMissing;
-  if (ReadFormatted(data, layout, targets) != ReadStatus::kOk) {
+  if (ReadFormatted(data, ReadLayout(key), targets) != ReadStatus::kOk) {
     list_.Line(ErrorReading(key, data));
     failed_ = true;
     return RecordRead::kBadNumbers;
@@ -16,12 +17,11 @@ RecordRead InputRecords::NextInto(std::string_view key, std::string_view layout,
   return RecordRead::kOk;
 }
 
-RecordRead InputRecords::NextValues(std::string_view key, std::string_view layout,
-                                    std::span<float> values) {
+RecordRead InputRecords::NextValues(std::string_view key, std::span<float> values) {
   std::vector<ReadTarget> targets;
   targets.reserve(values.size());
   for (float& v : values) targets.emplace_back(v);
-  return NextInto(key, layout, targets);
+  return NextInto(key, targets);
 }
 
 RecordRead InputRecords::Require(RecordRead read, std::string_view missing) {

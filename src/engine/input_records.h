@@ -17,26 +17,25 @@ class InputRecords {
  public:
   InputRecords(RecordStore& store, ListFile& list) : store_(store), list_(list) {}
 
-  // The next line of `key` read by `layout`. kMissing leaves the targets alone; kBadNumbers
-  // writes " Error reading " and the record, and marks the run failed.
+  // The next line of `key` read by the key's layout in the key table. kMissing leaves the targets
+  // alone; kBadNumbers writes " Error reading " and the record, and marks the run failed.
   template <typename... T>
-  RecordRead Next(std::string_view key, std::string_view layout, T&... targets) {
+  RecordRead Next(std::string_view key, T&... targets) {
     const ReadTarget list[] = {ReadTarget(targets)...};
-    return NextInto(key, layout, list);
+    return NextInto(key, list);
   }
   // The same for a row of reals.
-  RecordRead NextValues(std::string_view key, std::string_view layout, std::span<float> values);
+  RecordRead NextValues(std::string_view key, std::span<float> values);
 
   // Next, for a record the run cannot do without: when it is missing `missing` goes to the
   // list and the run is marked failed.
   template <typename... T>
-  RecordRead Required(std::string_view key, std::string_view missing, std::string_view layout,
-                      T&... targets) {
-    return Require(Next(key, layout, targets...), missing);
+  RecordRead Required(std::string_view key, std::string_view missing, T&... targets) {
+    return Require(Next(key, targets...), missing);
   }
   RecordRead RequiredValues(std::string_view key, std::string_view missing,
-                            std::string_view layout, std::span<float> values) {
-    return Require(NextValues(key, layout, values), missing);
+                            std::span<float> values) {
+    return Require(NextValues(key, values), missing);
   }
 
   // The raw data of the next line of a key, for readers of their own; false when missing.
@@ -48,8 +47,7 @@ class InputRecords {
   ListFile& List() { return list_; }
 
  private:
-  RecordRead NextInto(std::string_view key, std::string_view layout,
-                      std::span<const ReadTarget> targets);
+  RecordRead NextInto(std::string_view key, std::span<const ReadTarget> targets);
   RecordRead Require(RecordRead read, std::string_view missing);
 
   RecordStore& store_;

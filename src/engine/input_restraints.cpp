@@ -1,6 +1,7 @@
 // Distance restraints of the input stage: the weight, and each restraint with its partners,
 // by label from LRES or by atom number from ARES.
 #include "engine/input_stages.h"
+#include "store/record_keys.h"
 #include "util/column_format.h"
 #include "util/text.h"
 
@@ -12,7 +13,7 @@ namespace {
 bool ReadLabelledPartners(InputRecords& in, const std::string& data, Restraint& restraint) {
   std::array<std::string, 6> labels;
   std::array<int, 6> codes{};
-  if (Read(data, "(6(A4,I6,1X))", labels[0], codes[0], labels[1], codes[1], labels[2], codes[2],
+  if (Read(data, ReadLayout("LRES"), labels[0], codes[0], labels[1], codes[1], labels[2], codes[2],
            labels[3], codes[3], labels[4], codes[4], labels[5], codes[5]) != ReadStatus::kOk) {
     in.List().Line(ErrorReading("LRES", data));
     in.Fail();
@@ -28,7 +29,7 @@ bool ReadLabelledPartners(InputRecords& in, const std::string& data, Restraint& 
 // plus its symmetry code (a bare atom number stands at the identity); 0 ends the line.
 bool ReadNumberedPartners(InputRecords& in, const EngineState& state, Restraint& restraint) {
   std::array<int, 7> a{};
-  if (in.Next("ARES", "(7I10)", a[0], a[1], a[2], a[3], a[4], a[5], a[6]) != RecordRead::kOk) {
+  if (in.Next("ARES", a[0], a[1], a[2], a[3], a[4], a[5], a[6]) != RecordRead::kOk) {
     return false;
   }
   for (int i = 0; i < 7 && a[i] != 0; ++i) {
@@ -60,12 +61,11 @@ bool ReadPartners(InputRecords& in, const EngineState& state, Restraint& restrai
 
 bool ReadRestraints(InputRecords& in, EngineState& state) {
   float& weight = state.controls.restraintWeight;
-  in.Next("WRES", "(F10.0)", weight);
+  in.Next("WRES", weight);
   if (weight <= 0) return !in.Failed();
   while (static_cast<int>(state.restraints.size()) < kMaxRestraints) {
     Restraint restraint;
-    if (in.Next("CRES", "(A4,6X,2F10.0)", restraint.name, restraint.distance, restraint.weight) !=
-        RecordRead::kOk) {
+    if (in.Next("CRES", restraint.name, restraint.distance, restraint.weight) != RecordRead::kOk) {
       break;
     }
     if (!ReadPartners(in, state, restraint)) return false;

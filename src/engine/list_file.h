@@ -14,7 +14,10 @@ class ListFile {
   // Also writes to a file from now on; false when it cannot be created.
   bool Open(const std::string& path);
   void Close();
-  bool IsOpen() const { return file_.is_open(); }
+  // Keeps the lines in memory only, as an open list file would take them (a check of a
+  // project writes no file).
+  void OpenInMemory() { inMemory_ = true; }
+  bool IsOpen() const { return inMemory_ || file_.is_open(); }
 
   // One line (without its line end).
   void Line(std::string_view text);
@@ -36,6 +39,7 @@ class ListFile {
   std::ofstream file_;
   std::vector<std::string> lines_;
   bool lastOpen_ = false;
+  bool inMemory_ = false;
   bool holding_ = false;
   std::string held_;
 };

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "store/record_catalogue.h"
+#include "store/record_keys.h"
 
 namespace kaldena {
 
@@ -39,10 +40,11 @@ void ResultRecords::AddPhase(const Phase& phase, const std::array<float, kPhaseS
                              const std::array<float, 6>& cellEsds, const PhaseContents& contents,
                              bool split) {
   const auto& v = phase.values;
-  records_.push_back(MakeRecord("SCAL", "e12.5,f10.3", v[kScale].value, v[kOverallB].value));
-  records_.push_back(MakeRecord("SDSC", "e12.5,f10.3", esds[kScale - 1], esds[kOverallB - 1]));
+  records_.push_back(MakeRecord("SCAL", WriteLayout("SCAL"), v[kScale].value, v[kOverallB].value));
+  records_.push_back(
+      MakeRecord("SDSC", WriteLayout("SDSC"), esds[kScale - 1], esds[kOverallB - 1]));
   AddPair<6>(records_, "CELL", "SDCE", "3f10.6,3f10.5", phase.cell, cellEsds);
-  records_.push_back(MakeRecord("PHMW", "i5,3f10.3", contents.operators, contents.mass,
+  records_.push_back(MakeRecord("PHMW", WriteLayout("PHMW"), contents.operators, contents.mass,
                                 contents.absorption, contents.electrons));
   if (split) {
     const std::array<int, 6> widths = {3, 4, 5, 18, 19, 20}, shapes = {15, 16, 17, 21, 22, 23};
@@ -61,32 +63,34 @@ void ResultRecords::AddAsymmetry(const Phase& phase, const std::array<float, kPh
   const auto& v = phase.values;
   const float o1 = v[kOrientation1].value, a = v[kAsymmetry].value, o2 = v[kOrientation2].value;
   // The orientation type stands behind the three values, so that a refinement keeps it.
-  records_.push_back(phase.celluloseOrientation ? MakeRecord("ASYM", "3f10.6,i5", o1, a, o2, 1)
-                                                : MakeRecord("ASYM", "3f10.6", o1, a, o2));
-  records_.push_back(MakeRecord("SDAS", "3f10.6", esds[kOrientation1 - 1], esds[kAsymmetry - 1],
-                                esds[kOrientation2 - 1]));
+  records_.push_back(phase.celluloseOrientation
+                         ? MakeRecord("ASYM", "3f10.6,i5", o1, a, o2, 1)
+                         : MakeRecord("ASYM", WriteLayout("ASYM"), o1, a, o2));
+  records_.push_back(MakeRecord("SDAS", WriteLayout("SDAS"), esds[kOrientation1 - 1],
+                                esds[kAsymmetry - 1], esds[kOrientation2 - 1]));
 }
 
 void ResultRecords::AddAtomType(const AtomType& type) {
-  records_.push_back(MakeRecord("CNOM", "a2,8x,2f10.4", type.symbol, type.fPrime, type.fDoublePrime));
+  records_.push_back(
+      MakeRecord("CNOM", WriteLayout("CNOM"), type.symbol, type.fPrime, type.fDoublePrime));
 }
 
 void ResultRecords::AddAtom(const Atom& atom, const std::array<float, kAtomColumns>& esds) {
   const auto& v = atom.values;
   const float site = static_cast<float>(atom.siteFactor);
-  records_.push_back(MakeRecord("XYZ ", "a4,3x,i3,5f9.5,4i3", atom.label, atom.type,
-                                v[kAtomX].value, v[kAtomY].value, v[kAtomZ].value,
-                                v[kAtomOccupation].value * site, v[kAtomB].value, atom.siteFactor,
-                                atom.yCoupling, atom.zCoupling, atom.bCoupling));
+  records_.push_back(MakeRecord("XYZ ", WriteLayout("XYZ "), atom.label, atom.type, v[kAtomX].value,
+                                v[kAtomY].value, v[kAtomZ].value, v[kAtomOccupation].value * site,
+                                v[kAtomB].value, atom.siteFactor, atom.yCoupling, atom.zCoupling,
+                                atom.bCoupling));
   if (atom.anisotropic) {
-    records_.push_back(MakeRecord("BETA", "a4,6x,6f9.5", atom.label, v[6].value, v[7].value,
+    records_.push_back(MakeRecord("BETA", WriteLayout("BETA"), atom.label, v[6].value, v[7].value,
                                   v[8].value, v[9].value, v[10].value, v[11].value));
   }
-  records_.push_back(MakeRecord("SDXY", "a4,6x,5f9.5", atom.label, esds[0], esds[1], esds[2],
+  records_.push_back(MakeRecord("SDXY", WriteLayout("SDXY"), atom.label, esds[0], esds[1], esds[2],
                                 esds[kAtomOccupation - 1] * site, esds[kAtomB - 1]));
   if (atom.anisotropic) {
-    records_.push_back(MakeRecord("SDBE", "a4,6x,6f9.5", atom.label, esds[5], esds[6], esds[7],
-                                  esds[8], esds[9], esds[10]));
+    records_.push_back(MakeRecord("SDBE", WriteLayout("SDBE"), atom.label, esds[5], esds[6],
+                                  esds[7], esds[8], esds[9], esds[10]));
   }
 }
 
@@ -99,18 +103,20 @@ void ResultRecords::AddGlobals(const EngineState& state, const std::array<float,
   six("ZETT", kZeroPoint);
   six("AXID", kAxial1);
   if (g[kWavelength].fraction > 0) {
-    records_.push_back(MakeRecord("WAVE", "2f10.6", g[kWavelength].value, esds[kWavelength - 1]));
+    records_.push_back(
+        MakeRecord("WAVE", WriteLayout("WAVE"), g[kWavelength].value, esds[kWavelength - 1]));
   }
-  records_.push_back(
-      MakeRecord("BGSC", "2f10.6", g[kBackgroundFactor].value, esds[kBackgroundFactor - 1]));
+  records_.push_back(MakeRecord("BGSC", WriteLayout("BGSC"), g[kBackgroundFactor].value,
+                                esds[kBackgroundFactor - 1]));
   if (state.controls.job.background >= 1) return;
   std::vector<FormatArg> values, sds;
   for (int n = 0; n < kBackgroundTerms; ++n) {
     values.emplace_back(g[kFirstBackground + n].value);
     sds.emplace_back(esds[kFirstBackground - 1 + n]);
   }
-  for (Record& r : MakeRecords("BKGR", "5f10.1", values)) records_.push_back(std::move(r));
-  for (Record& r : MakeRecords("SDBK", "5f10.1", sds)) records_.push_back(std::move(r));
+  for (Record& r : MakeRecords("BKGR", WriteLayout("BKGR"), values))
+    records_.push_back(std::move(r));
+  for (Record& r : MakeRecords("SDBK", WriteLayout("SDBK"), sds)) records_.push_back(std::move(r));
 }
 
 bool WriteResultRecords(const std::string& temporaryFile, const std::vector<Record>& records) {

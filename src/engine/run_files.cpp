@@ -102,6 +102,13 @@ RunFilesStatus CopyProjectToTemporary(std::istream& project, std::ostream& tempo
   return RunFilesStatus::kOk;
 }
 
+void NameInputFiles(EngineState& state, RecordStore& store) {
+  state.files.data = RecordFileName(store, "PWDT", state.directory);
+  state.files.background = RecordFileName(store, "PWBG", state.directory);
+  if (!state.files.background.empty()) state.backgroundFileMarker = 12;
+  state.files.weights = RecordFileName(store, "PWWG", state.directory);
+}
+
 RunFilesStatus SetUpRunFiles(std::string_view projectName, EngineState& state, RecordStore& store,
                              Reporter& reporter) {
   state.projectFile = CutProjectName(projectName);
@@ -113,10 +120,7 @@ RunFilesStatus SetUpRunFiles(std::string_view projectName, EngineState& state, R
     return RunFilesStatus::kFailed;
   }
 
-  state.files.data = RecordFileName(store, "PWDT", state.directory);
-  state.files.background = RecordFileName(store, "PWBG", state.directory);
-  if (!state.files.background.empty()) state.backgroundFileMarker = 12;
-  state.files.weights = RecordFileName(store, "PWWG", state.directory);
+  NameInputFiles(state, store);
   state.files.parameters = OutputFileName(store, "PWPR", state, ".par");
 
   std::ifstream project(state.projectFile, std::ios::binary);

@@ -30,6 +30,10 @@ inline constexpr std::array<std::string_view, 30> kResultKeys = {
 // becomes "a.rec"); only a point behind the last directory separator starts an extension.
 std::string CutProjectName(std::string_view projectName);
 
+// The data, background and weights files of the loaded project, beside the project unless
+// their records name a directory.
+void NameInputFiles(EngineState& state, RecordStore& store);
+
 // Fills the file names of `state`, loads the project into `store` (where it stays for the
 // input stage), writes the temporary file "%" + base + ".<process id>-<count>.tmp" beside the
 // output parameter file and opens the list file in `state.list`. Default output names lie

@@ -29,5 +29,8 @@ int RunCommand(const std::vector<std::string>& args);
 int UpdateCommand(const std::vector<std::string>& args);
 int TableCommand(const std::vector<std::string>& args);
 int CrystallinityCommand(const std::vector<std::string>& args);
+int KeysCommand(const std::vector<std::string>& args);
+// Exit code 0 clean, 2 with warnings, 1 with errors.
+int CheckCommand(const std::vector<std::string>& args);
 
 }  // namespace kaldena

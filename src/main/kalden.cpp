@@ -40,6 +40,18 @@ constexpr Command kCommands[] = {
      "print the records of each key as the record store reads them, one per line, data from "
      "column 1 (labelled keys: label in columns 1 to 10); a key's block is headed \"== KEY\"",
      Records},
+    {"keys", "kalden keys [KEY|--markdown]", "the record keys, or one key's entry",
+     "list the record keys of a project; with KEY that key's fields in order, layouts written "
+     "and read, default, units, valid range and the commands that write and read it; with "
+     "--markdown the whole reference (docs/records.md)",
+     kaldena::KeysCommand},
+    {"check", "kalden check PROJECT", "what hand edits of a project get wrong",
+     "read a project as the engine would and report, with file, line and key, what it reads "
+     "differently from what was meant: text in columns 5 to 10, numbers that do not read, "
+     "lines beyond those read, codes out of range, refined coordinates that symmetry fixes, "
+     "site factors that differ from the space group's, symbols and data files that do not "
+     "read, values no sample can have; exit code 0 clean, 2 warnings, 1 errors",
+     kaldena::CheckCommand},
     {"spacegroup", "kalden spacegroup SYMBOL [--json]", "how a space-group symbol is read",
      "how a space-group symbol is read (fields separated by blanks, \"P 21/C\"; compact "
      "\"P21/c\" is converted): Laue class, unique axis, centric code, polar axes, generator "
@@ -57,16 +69,15 @@ constexpr Command kCommands[] = {
      "9 epf) as the engine would and print start, step, stop and the number of points; with "
      "--points one line per point (two-theta, intensity, variance, background)",
      kaldena::RawDataCommand},
-    {"run", "kalden run PROJECT|BATCH [--debug] [--update-all]",
-     "refine, calculate or compare",
+    {"run", "kalden run PROJECT|BATCH [--debug] [--update-all]", "refine, calculate or compare",
      "run the engine on a project (.rec), or on each project of a batch (.mlt list, .exp "
      "chain, .edt edits): list file, summary, Fourier file and, for a refinement, the updated "
      "parameter file, beside the project unless its PW.. records name another place; Ctrl+C "
-     "ends a refinement after the current cycle. After a .mlt or .edt batch --update-all "
-     "takes every parameter file over as its project. One line per cycle (Rwp, CHI2, largest "
-     "shift/esd) and a closing summary; exit code 0 converged, cycle limit reached or "
-     "stopped, 1 failed (the list file's reason is printed), 3 diverging (the best cycle is "
-     "kept); a batch gives the worst of its runs",
+     "ends a refinement after the current cycle. After a .mlt or .edt "
+     "batch --update-all takes every parameter file over as its project. One line per cycle "
+     "(Rwp, CHI2, largest shift/esd) and a closing summary; exit code 0 converged, cycle limit "
+     "reached or stopped, 1 failed (the list file's reason is printed), 3 diverging (the best "
+     "cycle is kept); a batch gives the worst of its runs",
      kaldena::RunCommand},
     {"update", "kalden update PROJECT", "parameter file over project file",
      "copy the project's output parameter file (PWPR, or %BASE.par beside the project) over "

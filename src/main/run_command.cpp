@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/project_check.h"
 #include "engine/run_engine.h"
 #include "engine/run_report.h"
 #include "main/commands.h"
@@ -32,6 +33,12 @@ void LogCycle(Reporter& reporter, const CycleReport& c) {
                  c.cycle, c.rwp, c.chi2, c.largestRatio, c.largestName));
 }
 
+// The notes of kalden check on a single project come first; the run goes on whatever they say.
+void PrintCheckNotes(const std::string& fileName, Reporter& reporter) {
+  if (BatchModeOf(fileName) != BatchMode::kProject) return;
+  for (const CheckNote& note : CheckProject(fileName)) reporter.LogLine(NoteText(note));
+}
+
 }  // namespace
 
 int RunCommand(const std::vector<std::string>& args) {
@@ -53,6 +60,7 @@ int RunCommand(const std::vector<std::string>& args) {
   request.stop = &stopRequested;
   std::signal(SIGINT, RequestStop);
   ConsoleReporter reporter(updateAll);
+  PrintCheckNotes(request.fileName, reporter);
   request.onCycle = [&reporter](const CycleReport& c) { LogCycle(reporter, c); };
   const EngineResult result = RunEngine(request, reporter);
   std::signal(SIGINT, SIG_DFL);

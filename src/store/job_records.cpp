@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "store/record_catalogue.h"
+#include "store/record_keys.h"
 #include "util/column_format.h"
 #include "util/file_names.h"
 #include "util/limits.h"
@@ -42,7 +43,7 @@ RecordRead ReadJobControls(RecordStore& store, JobControls& job,
     return RecordRead::kMissing;
   }
   JobControls read;
-  if (Read(data, "(8I5)", read.jobType, read.profile, read.phases, read.background,
+  if (Read(data, ReadLayout("JOBT"), read.jobType, read.profile, read.phases, read.background,
            read.excludedRegions, read.atomTypes, read.weighting,
            read.mergePoints) != ReadStatus::kOk) {
     listLines.push_back(ErrorReading("JOBT", data));
@@ -54,8 +55,9 @@ RecordRead ReadJobControls(RecordStore& store, JobControls& job,
 }
 
 Record JobControlsRecord(const JobControls& job) {
-  return MakeRecord("JOBT", "8i5", job.jobType, job.profile, job.phases, job.background,
-                    job.excludedRegions, job.atomTypes, job.weighting, job.mergePoints);
+  return MakeRecord("JOBT", WriteLayout("JOBT"), job.jobType, job.profile, job.phases,
+                    job.background, job.excludedRegions, job.atomTypes, job.weighting,
+                    job.mergePoints);
 }
 
 RecordRead ReadDataFormat(RecordStore& store, int& format, std::vector<std::string>& listLines) {
@@ -65,7 +67,7 @@ RecordRead ReadDataFormat(RecordStore& store, int& format, std::vector<std::stri
     return RecordRead::kMissing;
   }
   int value = 0;
-  if (Read(data, "(I5)", value) != ReadStatus::kOk) {
+  if (Read(data, ReadLayout("FRMT"), value) != ReadStatus::kOk) {
     listLines.push_back(ErrorReading("FRMT", data));
     return RecordRead::kBadNumbers;
   }

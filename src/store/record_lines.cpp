@@ -2,13 +2,15 @@
 
 #include <cmath>
 
+#include "store/record_keys.h"
 #include "util/text.h"
 
 namespace kaldena {
 
 ReadStatus ReadCellLine(std::string_view data, CellParameters& cell, float& wavelength) {
   std::array<float, 7> v{};
-  const ReadStatus status = Read(data, "(7f10.0)", v[0], v[1], v[2], v[3], v[4], v[5], v[6]);
+  const ReadStatus status =
+      Read(data, ReadLayout("CELL"), v[0], v[1], v[2], v[3], v[4], v[5], v[6]);
   if (status != ReadStatus::kOk) return status;
   const bool leadingWavelength = v[0] < 2.5f;
   if (leadingWavelength) wavelength = v[0];

@@ -168,12 +168,24 @@ int RecordStore::jFindRec(std::string_view key, std::string& data) {
     std::string result = PadRecord(k + "      " + work.substr(DataStart(work, from)));
     const bool labelled = HasLabelField(k);
     if (labelled) result = SplitLabel(result, k == "XYZ ");
+    if (keepTaken_) taken_.push_back({static_cast<int>(i + 1), k, row});
     row = PadRecord(kConsumed);
     if (k != "LRES") NormaliseNumericField(result, labelled ? 2 : 1);
     data = PadRecord(result.substr(10));
     return 1;
   }
   return 0;
+}
+
+std::vector<RecordStore::TakenLine> RecordStore::UntakenLines() const {
+  std::vector<TakenLine> lines;
+  for (size_t i = 0; i < rows_.size() && !IsEndRow(rows_[i]); ++i) {
+    const std::string& row = rows_[i];
+    if (row.compare(0, 4, kConsumed) != 0) {
+      lines.push_back({static_cast<int>(i + 1), FoldedKey(row.substr(0, 4)), row});
+    }
+  }
+  return lines;
 }
 
 template <typename WriteRows>

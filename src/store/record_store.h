@@ -41,6 +41,18 @@ class RecordStore {
   // Removes all lines of a key. Returns the lines written.
   int jDeleteRec(std::string_view fileName, std::string_view key);
 
+  // A line that a find took, as it stood in the file, with its line number (from 1).
+  struct TakenLine {
+    int line = 0;
+    std::string key;   // the key searched for, four characters
+    std::string text;  // the whole line
+  };
+  // From now on every line that a find takes is kept, for a caller that checks what was read.
+  void KeepTakenLines() { keepTaken_ = true; }
+  const std::vector<TakenLine>& TakenLines() const { return taken_; }
+  // The lines of the table that no find has taken, up to the end row.
+  std::vector<TakenLine> UntakenLines() const;
+
   bool TableStands() const { return standing_; }
   FileUnits& Units() { return units_; }
 
@@ -58,6 +70,8 @@ class RecordStore {
   std::vector<std::string> rows_;
   bool standing_ = false;
   bool overflow_ = false;  // the file had more lines than the table holds
+  bool keepTaken_ = false;
+  std::vector<TakenLine> taken_;
 };
 
 // Reads one line of a record file: "\n", "\r\n" and a lone "\r" all end a line; at most 256

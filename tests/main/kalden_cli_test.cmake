@@ -153,6 +153,93 @@ if(NOT out MATCHES "exit code 0 converged" OR NOT out MATCHES "3 diverging")
   message(FATAL_ERROR "help run does not document the exit codes:\n${out}")
 endif()
 
+# The record reference: docs/records.md is what kalden keys --markdown prints, and every key
+# that kalden keys lists has an entry of its own.
+get_filename_component(ROOT ${DATA}/../.. ABSOLUTE)
+expect_run(0 keys --markdown)
+file(READ ${ROOT}/docs/records.md reference)
+if(NOT out STREQUAL reference)
+  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/records.md.actual "${out}")
+  message(FATAL_ERROR "docs/records.md is not what kalden keys --markdown prints; "
+                      "regenerate it with: kalden keys --markdown > docs/records.md")
+endif()
+expect_run(0 keys)
+string(REGEX MATCHALL "(^|\n)[A-Z0-9]+ ?  " listed "${out}")
+list(LENGTH listed count)
+if(count LESS 80)
+  message(FATAL_ERROR "kalden keys lists ${count} keys:\n${out}")
+endif()
+foreach(line ${listed})
+  string(STRIP "${line}" key)
+  expect_run(0 keys ${key})
+  if(NOT out MATCHES "^${key} +[A-Z][^\n]*\n  fields +[^\n]+\n  written .*\n  read by +[A-Za-z]")
+    message(FATAL_ERROR "kalden keys ${key} gives no entry:\n${out}")
+  endif()
+  if(NOT reference MATCHES "\n\\| `${key} ?` \\|")
+    message(FATAL_ERROR "docs/records.md has no row of ${key}")
+  endif()
+endforeach()
+expect_run(0 keys xyz)
+if(NOT out MATCHES "read +\\(A4,6X,I4,5F9.0,4I3\\)\n")
+  message(FATAL_ERROR "kalden keys xyz does not give the layout the engine reads:\n${out}")
+endif()
+expect_run(1 keys QQQQ)
+
+# kalden check on hand-edited mistakes in the corundum example: each is named with file, line
+# and key; a pattern that is no scan (decimal commas, descending angles) is named at PWDT.
+set(check_dir ${CMAKE_CURRENT_BINARY_DIR}/kalden-check)
+file(REMOVE_RECURSE ${check_dir})
+file(COPY ${ROOT}/examples/corundum/ DESTINATION ${check_dir})
+file(READ ${check_dir}/corundum.rec corundum)
+file(STRINGS ${check_dir}/corundum.xy points)
+list(REVERSE points)
+string(REPLACE ";" "\n" descending "${points}")
+file(WRITE ${check_dir}/descending.xy "${descending}\n")
+file(COPY ${DATA}/engine/bad_patterns/decimal_commas.xy DESTINATION ${check_dir})
+expect_run_in(${check_dir} 0 check corundum.rec)
+function(expect_check name code old new note)
+  string(FIND "${corundum}" "${old}" at)
+  if(at LESS 0)
+    message(FATAL_ERROR "check corpus ${name}: '${old}' is not in corundum.rec")
+  endif()
+  string(REPLACE "${old}" "${new}" edited "${corundum}")
+  file(WRITE ${check_dir}/${name}.rec "${edited}")
+  expect_run_in(${check_dir} ${code} check ${name}.rec)
+  if(NOT out MATCHES "(^|\n)${name}.rec:${note}")
+    message(FATAL_ERROR "kalden check ${name}.rec does not say ${name}.rec:${note}:\n${out}")
+  endif()
+  set(out "${out}" PARENT_SCOPE)
+endfunction()
+expect_check(column6 2 "CHWT           0.000     0.000     1.000" "CHWT 1 1 1 0 0 0"
+             "22: CHWT: warning: \" 1 1 1\" in columns 5 to 10 is not read")
+expect_check(delimiter 1 "XYZ       Al     1" "XYZ Al 1        "
+             "25: XYZ: warning: \"Al 1\" in columns 5 to 10[^\n]*\ndelimiter.rec:25: XYZ: error: Error reading XYZ")
+expect_check(extra_atom 2 "CXYZ Al"
+             "XYZ       Al     1  0.00000  0.00000  0.30000  1.00000  0.31000  3  0  0  0\nCXYZ Al"
+             "27: XYZ: warning: line not read: only the first 2 lines")
+expect_check(extra_type 2 "ANOM      O            0.04920   0.03220"
+             "ANOM      O            0.04920   0.03220\nANOM      Fe           0.0       0.0"
+             "10: ANOM: warning: line not read: only the first 2 lines")
+expect_check(site_factor 2 "0.31000  3  0  0  0" "0.31000  0  0  0  0"
+             "25: XYZ: warning: site factor blank or 0: the space group gives 3")
+expect_check(special 2 "CXYZ Al          0.000" "CXYZ Al          1.000"
+             "27: CXYZ: warning: x of Al is refined, but the symmetry of its site fixes it")
+expect_check(symbol 1 "R -3 C" "R -3 Q" "16: SPGR: error: [^\n]*SYMBOL R -3 Q")
+expect_check(no_data 1 "corundum.xy" "absent.xy"
+             "4: PWDT: error: [^\n]*raw data file: absent.xy\n")
+expect_check(descending 1 "corundum.xy" "descending.xy" "4: PWDT: error: [^\n]*descending.xy")
+expect_check(commas 1 "corundum.xy" "decimal_commas.xy"
+             "4: PWDT: error: [^\n]*decimal_commas.xy")
+expect_check(atom_type 1 "XYZ       O      2" "XYZ       O      7"
+             "26: XYZ: error: atom type 7 points beyond the 2 ANOM lines")
+
+# kalden run prints the same notes first and goes on: the example with a site factor of 0.
+execute_process(COMMAND ${KALDEN} run site_factor.rec WORKING_DIRECTORY ${check_dir}
+                OUTPUT_VARIABLE out ERROR_VARIABLE err)
+if(NOT out MATCHES "^site_factor.rec:25: XYZ: warning: site factor blank or 0[^\n]*\n.*\nCycle   1:")
+  message(FATAL_ERROR "kalden run does not print the check's note before its cycles:\n${out}")
+endif()
+
 # The default outputs of a project lie beside it whatever the current directory, where the
 # plot and the update look for them.
 set(beside ${CMAKE_CURRENT_BINARY_DIR}/kalden-beside)

@@ -245,5 +245,25 @@ TEST(FileUnits, StatusWordsAndUnitTable) {
             (RecordingReporter::Message{"Error", "No available unit number"}));
 }
 
+// The lines a find takes keep their file line numbers and text; those never taken are what a
+// run did not read, the lines behind an end line not among them.
+TEST_F(RecordStoreTest, TakenAndUntakenLines) {
+  Load("TITL      A\nxyz,Fe1 1 .25\nCXYZ Fe1  1 0 0\nXYZ       O   2 0 0 0\nEND\nXYZ   late\n");
+  store.KeepTakenLines();
+  EXPECT_EQ(Find("XYZ "), "Fe1       1,.25");
+  EXPECT_EQ(Find("CXYZ"), "1,0,0");
+  ASSERT_EQ(store.TakenLines().size(), 2u);
+  EXPECT_EQ(store.TakenLines()[0].line, 2);
+  EXPECT_EQ(store.TakenLines()[0].key, "XYZ ");
+  EXPECT_EQ(Trim(store.TakenLines()[0].text), "xyz,Fe1 1 .25");
+  EXPECT_EQ(store.TakenLines()[1].line, 3);
+  const auto untaken = store.UntakenLines();
+  ASSERT_EQ(untaken.size(), 2u);
+  EXPECT_EQ(untaken[0].line, 1);
+  EXPECT_EQ(untaken[0].key, "TITL");
+  EXPECT_EQ(untaken[1].line, 4);
+  EXPECT_EQ(untaken[1].key, "XYZ ");
+}
+
 }  // namespace
 }  // namespace kaldena
