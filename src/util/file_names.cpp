@@ -34,7 +34,7 @@ std::string DirectoryOf(std::string_view path) {
 std::string BaseNameOf(std::string_view path) {
   const std::string_view trimmed = Trimmed(path);
   const std::string_view file = trimmed.substr(FilePartStart(trimmed));
-  return std::string(file.substr(0, file.find('.')));
+  return std::string(file.substr(0, file.rfind('.')));
 }
 
 std::string ReplaceDirectory(std::string_view directory, std::string_view name) {
