@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
 #include <vector>
 
@@ -13,6 +12,7 @@
 #include "store/record_store.h"
 #include "util/column_format.h"
 #include "util/file_names.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -27,12 +27,6 @@ int ClockSeconds() {
   std::tm local{};
   localtime_r(&now, &local);
   return local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
-}
-
-bool CopyOver(const std::string& from, const std::string& to) {
-  std::error_code error;
-  std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
-  return !error;
 }
 
 void DebugWord(bool debug, Reporter& reporter, std::string_view word) {
@@ -78,7 +72,7 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
     reporter.LogLine("Error updating output parameter file");
     return run;
   }
-  run.ok = true;
+  run.ok = PublishEngineOutputs(state, reporter);
   return run;
 }
 
@@ -132,7 +126,7 @@ void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
   while (NextName(batch, name)) {
     // In an edits batch the record lines are read as names too; their copies fail.
     (void)mode;
-    if (CopyOver(DefaultParameterFile(name), name)) {
+    if (CopyFileWhole(DefaultParameterFile(name), name)) {
       reporter.LogLine(name + " updated");
       result.currentProject = name;
     } else {
@@ -168,7 +162,7 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
       return result;
     }
     if (mode != BatchMode::kChain) continue;
-    if (CopyOver(run.parameterFile, project)) {
+    if (CopyFileWhole(run.parameterFile, project)) {
       reporter.LogLine(project + " updated");
       result.currentProject = project;
     } else {
@@ -176,7 +170,7 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
     }
     std::string next;
     if (!NextName(batch, next)) break;
-    if (!CopyOver(run.parameterFile, next)) reporter.LogLine("Error copying rec file");
+    if (!CopyFileWhole(run.parameterFile, next)) reporter.LogLine("Error copying rec file");
     project = next;
   }
   batch.close();

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -315,8 +316,9 @@ void ScriptedToolkit::IOsCopyFile(std::string_view from, std::string_view to) {
   const fs::path source{std::string(Trimmed(from))};
   const fs::path target{std::string(Trimmed(to))};
   std::error_code error;
-  bool ok = fs::is_regular_file(source, error) && !WriteProtected(target);
-  if (ok) ok = fs::copy_file(source, target, fs::copy_options::overwrite_existing, error);
+  // The copy replaces the target by rename: a kill leaves the old file or the new one.
+  const bool ok = fs::is_regular_file(source, error) && !WriteProtected(target) &&
+                  CopyFileWhole(source.string(), target.string());
   if (!ok) lastError_ = kErrorOsCommand;
   fileOperations_.push_back(FileOperation{"copy", source.string(), target.string(), ok});
 }

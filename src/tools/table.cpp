@@ -8,6 +8,7 @@
 #include "tools/table_sections.h"
 #include "util/file_names.h"
 #include "util/text.h"
+#include "util/temporary_file.h"
 
 namespace kaldena {
 
@@ -356,8 +357,8 @@ TableStatus WriteTable(const std::string& input, const std::string& output, std:
   } else {
     projects.push_back(input);
   }
-  std::ofstream out(output, std::ios::binary | std::ios::trunc);
-  if (!out) {
+  PendingFile out(output);
+  if (!out.is_open()) {
     reporter.LogLine("Error");
     reporter.LogLine("Error opening tab file");
     return TableStatus::kFailed;
@@ -367,6 +368,10 @@ TableStatus WriteTable(const std::string& input, const std::string& output, std:
     if (!WriteProject(out, project, date, ++page, projects.size() == 1, reporter)) {
       reporter.LogLine("Error opening or reading " + project);
     }
+  }
+  if (!out.Publish()) {
+    reporter.LogLine("Error opening tab file");
+    return TableStatus::kFailed;
   }
   return TableStatus::kOk;
 }
