@@ -114,6 +114,14 @@ bool NextName(std::istream& batch, std::string& name) {
   return true;
 }
 
+// A project that a batch file names is written (record lines, a chain's copies, the update of
+// all); one outside the batch's folder is refused, as a project's own output names are.
+bool RefusedProject(const std::string& name, Reporter& reporter) {
+  if (!LeavesFolder(name)) return false;
+  reporter.LogLine("Batch file names a project outside its folder: " + name);
+  return true;
+}
+
 std::string DefaultParameterFile(const std::string& project) {
   return ReplaceDirectory(DirectoryOf(project), "%" + BaseNameOf(project) + ".par");
 }
@@ -126,7 +134,7 @@ void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
   while (NextName(batch, name)) {
     // In an edits batch the record lines are read as names too; their copies fail.
     (void)mode;
-    if (CopyFileWhole(DefaultParameterFile(name), name)) {
+    if (!RefusedProject(name, reporter) && CopyFileWhole(DefaultParameterFile(name), name)) {
       reporter.LogLine(name + " updated");
       result.currentProject = name;
     } else {
@@ -153,6 +161,10 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
   for (;;) {
     if (mode != BatchMode::kChain && !NextName(batch, project)) break;
     if (mode != BatchMode::kList) {
+      if (RefusedProject(project, reporter)) {
+        result.status = 1;
+        return result;
+      }
       const std::vector<std::string> lines = ReadRecordLines(batch);
       if (!lines.empty()) ApplyRecordLines(project, lines, reporter);
     }
@@ -170,6 +182,10 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
     }
     std::string next;
     if (!NextName(batch, next)) break;
+    if (RefusedProject(next, reporter)) {
+      result.status = 1;
+      return result;
+    }
     if (!CopyFileWhole(run.parameterFile, next)) reporter.LogLine("Error copying rec file");
     project = next;
   }

@@ -20,6 +20,10 @@ std::string DirectoryOf(std::string_view path);
 // "x.v1", so that two projects of one stem never share their outputs.
 std::string BaseNameOf(std::string_view path);
 
+// Whether a name taken from a file would write outside the folder it is read against: an
+// absolute name, one with a drive, or one with a ".." part ("\\" counts as a separator).
+bool LeavesFolder(std::string_view name);
+
 // The name with `directory` in front, unless the name has a drive or a directory of its own.
 // A separator is put between the two when the directory does not end in one.
 std::string ReplaceDirectory(std::string_view directory, std::string_view name);
