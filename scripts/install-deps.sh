@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(build-essential cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          libcairo2-dev libjpeg-dev zlib1g-dev python3 python3-gemmi)
+          libcairo2-dev libjpeg-dev zlib1g-dev python3 python3-gemmi python3-pycifrw)
 
 missing=()
 for p in "${packages[@]}"; do

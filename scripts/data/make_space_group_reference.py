@@ -1,9 +1,15 @@
 #!/usr/bin/python3
-"""Writes tests/data/crystal/space_groups.txt: the general positions of every space group in
-the settings that users type, as a reference for the symbol reader.
+"""Writes the general positions of the space-group settings as a reference for the symbol reader:
+tests/data/crystal/space_groups.txt the settings that users type most (the standard setting of
+every group, the monoclinic groups also with unique axis a and c, the R groups also on
+rhombohedral axes), and tests/data/crystal/space_group_settings.txt every other setting whose
+Hermann-Mauguin symbol names it. A symbol shared by the two origin choices of a group names
+origin choice 2, the centre of symmetry at the origin; tests/data/crystal/origin_choice_1.txt
+holds the operators of origin choice 1 of those groups under the same symbol.
 
 Source: gemmi's table of space-group settings (International Tables for Crystallography,
-Vol. A). Run with Debian's python3 and python3-gemmi:  /usr/bin/python3 scripts/data/make_space_group_reference.py
+Vol. A), the 530 settings of its first part. Run with Debian's python3 and python3-gemmi:
+  /usr/bin/python3 scripts/data/make_space_group_reference.py
 
 One line per setting:
   number|symbol as typed|Laue class|unique axis|centric code|order|op;op;...
@@ -15,8 +21,9 @@ operators include the centring translations, with translations in [0, 1), sorted
 import os
 import gemmi
 
-OUT = os.path.join(os.path.dirname(__file__), "..", "..", "tests", "data", "crystal",
-                   "space_groups.txt")
+DATA = os.path.join(os.path.dirname(__file__), "..", "..", "tests", "data", "crystal")
+SETTINGS = 530  # the settings of International Tables; gemmi's own additions follow
+UNIQUE_AXIS = {"a": 1, "b": 2, "c": 3}
 
 LAUE = {"-1": 1, "2/m": 2, "mmm": 3, "4/m": 4, "4/mmm": 5, "6/m": 11, "6/mmm": 12,
         "m-3": 13, "m-3m": 14}
@@ -57,7 +64,7 @@ def standard(number):
     raise SystemExit("no standard setting for %d" % number)
 
 
-def main():
+def common_rows():
     rows = []
     for number in range(1, 231):
         sg = standard(number)
@@ -75,12 +82,40 @@ def main():
         if sg.ext == "H":
             rhombic = gemmi.find_spacegroup_by_name(sg.hm + ":R")
             rows.append(setting_row(rhombic, rhombic.hm.upper() + " R", 0, True))
-    with open(OUT, "w") as out:
-        out.write("# General positions by setting, from gemmi %s (International Tables A).\n"
-                  % gemmi.__version__)
+    return rows
+
+
+def other_rows(common):
+    """Every other symbol of the table; origin choice 1 is not named by a symbol alone."""
+    typed = {row.split("|")[1] for row in common}
+    rows = []
+    for sg in list(gemmi.spacegroup_table())[:SETTINGS]:
+        if sg.ext in ("1", "R") or sg.hm.upper() in typed:
+            continue
+        axis = UNIQUE_AXIS[sg.qualifier.lstrip("-")[0]] if 3 <= sg.number <= 15 else 0
+        rows.append(setting_row(sg, sg.hm.upper(), axis))
+    return rows
+
+
+def origin_choice_1_rows():
+    return [setting_row(sg, sg.hm.upper(), 0) for sg in list(gemmi.spacegroup_table())[:SETTINGS]
+            if sg.ext == "1"]
+
+
+def write(name, title, rows):
+    with open(os.path.join(DATA, name), "w") as out:
+        out.write("# %s, from gemmi %s (International Tables A).\n" % (title, gemmi.__version__))
         out.write("# number|symbol as typed|Laue class|unique axis|centric code|order|operators\n")
         for row in rows:
             out.write(row + "\n")
+
+
+def main():
+    common = common_rows()
+    write("space_groups.txt", "General positions by setting", common)
+    write("space_group_settings.txt", "General positions of the other settings",
+          other_rows(common))
+    write("origin_choice_1.txt", "General positions in origin choice 1", origin_choice_1_rows())
 
 
 main()

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "crystal/element_tables.h"
+#include "util/text.h"
 
 namespace kaldena {
 
@@ -13,6 +14,8 @@ const ElementRow* FindRow(int z) {
   if (z < 1 || z > kElementCount) return nullptr;
   return &kElementRows[z - 1];
 }
+
+bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
 // Repeated whole steps land exactly where subtracting the floor does; the only difference is
 // a tiny negative value, whose sum with 1 rounds to 1 and must wrap once more.
@@ -33,6 +36,17 @@ int ElementNumber(std::string_view symbol) {
     if (kElementRows[z - 1].symbol == symbol) return z;
   }
   return 0;
+}
+
+int ElementNamed(std::string_view name) {
+  const size_t first = name.find_first_not_of(" \t");
+  if (first == std::string_view::npos || !IsLetter(name[first])) return 0;
+  const char initial = UpperChar(name[first]);
+  if (first + 1 < name.size() && IsLetter(name[first + 1])) {
+    const int z = ElementNumber(std::string{initial, LowerChar(name[first + 1])});
+    if (z != 0) return z;
+  }
+  return ElementNumber(std::string{initial, ' '});
 }
 
 std::string_view ElementSymbol(int z) {

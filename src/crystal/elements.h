@@ -26,6 +26,11 @@ float GetAtomicMass(int z);
 // 0 when no entry matches.
 int ElementNumber(std::string_view symbol);
 
+// Z of the element that a name names, as a type's or an atom's name does: its leading letters
+// with case folded, two of them when they make a symbol, else the first ("FE", "Fe2" and "fe3+"
+// name iron, "O2-" oxygen, "OW" water oxygen); 0 when they name none.
+int ElementNamed(std::string_view name);
+
 // The two-character symbol of z, two blanks when z is outside 1 to 100.
 std::string_view ElementSymbol(int z);
 

@@ -258,9 +258,19 @@ bool NamesAreMet(const std::vector<NamedElement>& named, const std::vector<Seitz
   return true;
 }
 
+// Where the site symmetry leaves the origin open, the International Tables put it on an element
+// that the symbol names: in a monoclinic group on its glide plane ("C 1 n 1" has the n-glide
+// through the origin, not the c-glide that the centring makes of it a quarter cell away), in
+// an orthorhombic group without a centre on its axis ("P b c 21" on the 21).
+bool NamedThroughOrigin(const SymbolRecipe& recipe, const SymbolElement& e) {
+  if (recipe.laueClass == 2) return e.plane;
+  return recipe.laueClass == 3 && !e.plane && Determinant(e.op.r) > 0;
+}
+
 // How well an origin serves: the order of its site symmetry, then the number of proper
-// rotations through it. The standard settings put the origin on the highest site symmetry.
-int OriginScore(const OperationSet& group) {
+// rotations through it, then the number of named elements that the rule above puts on it.
+// The standard settings put the origin on the highest site symmetry.
+int OriginScore(const OperationSet& group, const SymbolRecipe& recipe) {
   int site = 0;
   int proper = 0;
   for (const Seitz& op : group.Ops()) {
@@ -268,10 +278,15 @@ int OriginScore(const OperationSet& group) {
     ++site;
     if (Determinant(op.r) > 0) ++proper;
   }
-  return 1000 * site + proper;
+  int named = 0;
+  for (const SymbolElement& e : recipe.elements) {
+    if (NamedThroughOrigin(recipe, e) && group.Contains(e.op)) ++named;
+  }
+  return 10000 * site + 100 * proper + named;
 }
 
 struct SearchState {
+  const SymbolRecipe& recipe;
   const std::vector<NamedElement>& named;
   const std::vector<Slot>& slots;
   std::vector<Seitz> chosen;
@@ -282,7 +297,7 @@ struct SearchState {
 void Search(SearchState& s, size_t k, const OperationSet& group) {
   if (k == s.slots.size()) {
     if (!NamesAreMet(s.named, Representatives(s.chosen), group)) return;
-    const int score = OriginScore(group);
+    const int score = OriginScore(group, s.recipe);
     if (score > s.bestScore) {
       s.bestScore = score;
       s.best = s.chosen;
@@ -317,25 +332,31 @@ bool ScrewsApart(const SymbolRecipe& recipe) {
 // Standard origins that the site-symmetry rule leaves open: groups whose highest site
 // symmetry stands at several inequivalent points, or that have no special site at all. The
 // International Tables choose one by convention; each row moves the origin that the search
-// found to that one, in 24ths of the cell edges.
+// found to that one, in 24ths of the cell edges. The other settings of a group keep the origin
+// of its standard setting under the change of axes; they have a row where the search, which
+// tries shifts along x before y before z, lands on another of the open origins (the last rows:
+// settings of P 2 2 21, C 2 2 21, C m m a, C c c a and I m m a).
 struct OriginShift {
   std::string_view symbol;
   Vector shift;
 };
 
 constexpr OriginShift kOriginShifts[] = {
-    {"P 21 21 21", {0, 6, 0}},  {"I 21 21 21", {0, 6, 0}},  {"P C A 21", {6, 0, 0}},
-    {"P N A 21", {6, 6, 0}},    {"C C C A", {6, 6, 0}},     {"I B C A", {6, 6, 6}},
-    {"I 41", {0, 12, 0}},       {"P 42/N", {0, 12, 0}},     {"I 41/A", {6, 6, 6}},
-    {"P 4 21 2", {0, 12, 0}},   {"P 41 2 2", {0, 0, 6}},    {"P 41 21 2", {0, 0, 6}},
-    {"P 43 2 2", {0, 0, 6}},    {"I 41 2 2", {0, 12, 6}},   {"I 41 M D", {0, 12, 0}},
-    {"I 41 C D", {0, 12, 0}},   {"P -4 2 C", {0, 0, 6}},    {"P -4 C 2", {0, 0, 6}},
-    {"P -4 B 2", {0, 12, 0}},   {"P -4 N 2", {0, 12, 6}},   {"I -4 C 2", {0, 0, 6}},
-    {"I 41/A M D", {6, 18, 6}}, {"I 41/A C D", {6, 18, 6}}, {"P 31 1 2", {0, 0, 4}},
-    {"P 32 1 2", {0, 0, 8}},    {"P 61 2 2", {0, 0, 8}},    {"P 65 2 2", {0, 0, 4}},
-    {"P 62 2 2", {0, 0, 4}},    {"P 64 2 2", {0, 0, 8}},    {"I A 3", {6, 6, 6}},
-    {"P 43 3 2", {9, 9, 9}},    {"P 41 3 2", {3, 3, 3}},    {"I 41 3 2", {9, 9, 9}},
-    {"I -4 3 D", {6, 6, 6}},    {"I 4 3 D", {6, 6, 6}},     {"I A 3 D", {6, 6, 6}},
+    {"P 21 21 21", {0, 6, 0}}, {"I 21 21 21", {0, 6, 0}},  {"C C C A", {6, 6, 0}},
+    {"I B C A", {6, 6, 6}},    {"I 41", {0, 12, 0}},       {"P 42/N", {0, 12, 0}},
+    {"I 41/A", {6, 6, 6}},     {"P 4 21 2", {0, 12, 0}},   {"P 41 2 2", {0, 0, 6}},
+    {"P 41 21 2", {0, 0, 6}},  {"P 43 2 2", {0, 0, 6}},    {"I 41 2 2", {0, 12, 6}},
+    {"I 41 M D", {0, 12, 0}},  {"I 41 C D", {0, 12, 0}},   {"P -4 2 C", {0, 0, 6}},
+    {"P -4 C 2", {0, 0, 6}},   {"P -4 B 2", {0, 12, 0}},   {"P -4 N 2", {0, 12, 6}},
+    {"I -4 C 2", {0, 0, 6}},   {"I 41/A M D", {6, 18, 6}}, {"I 41/A C D", {6, 18, 6}},
+    {"P 31 1 2", {0, 0, 4}},   {"P 32 1 2", {0, 0, 8}},    {"P 61 2 2", {0, 0, 8}},
+    {"P 65 2 2", {0, 0, 4}},   {"P 62 2 2", {0, 0, 4}},    {"P 64 2 2", {0, 0, 8}},
+    {"I A 3", {6, 6, 6}},      {"P 43 3 2", {9, 9, 9}},    {"P 41 3 2", {3, 3, 3}},
+    {"I 41 3 2", {9, 9, 9}},   {"I -4 3 D", {6, 6, 6}},    {"I 4 3 D", {6, 6, 6}},
+    {"I A 3 D", {6, 6, 6}},    {"P 2 21 2", {0, 6, 0}},    {"B 2 21 2", {0, 6, 0}},
+    {"C M M B", {6, 6, 0}},    {"A C M M", {0, 6, 6}},     {"B M C M", {6, 0, 6}},
+    {"A B A A", {0, 6, 6}},    {"B B A B", {6, 0, 6}},     {"I M M B", {6, 6, 6}},
+    {"I B M M", {6, 6, 6}},    {"I M C M", {6, 6, 6}},
 };
 
 // The generators seen from an origin at p (24ths): t' = t + (R - I) p. A centre of symmetry
@@ -382,7 +403,7 @@ bool FindGeneratorWords(const SymbolRecipe& recipe, std::vector<GeneratorWord>& 
   if (RotationClosure(slotRotations).size() != pointGroup.size()) return false;
 
   const std::vector<NamedElement> named = NamedElements(recipe, pointGroup);
-  SearchState state{named, slots, {}, {}, -1};
+  SearchState state{recipe, named, slots, {}, {}, -1};
   Search(state, 0,
          LatticeTranslations(ScrewsApart(recipe) ? std::vector<GeneratorWord>{}
                                                  : recipe.centringWords));

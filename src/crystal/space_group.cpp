@@ -1,10 +1,13 @@
 #include "crystal/space_group.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "crystal/generator_search.h"
 #include "crystal/symbol_recipe.h"
 #include "util/column_format.h"
+#include "util/text.h"
 
 namespace kaldena {
 
@@ -45,6 +48,45 @@ std::string RowText(const float* row) {
   return text;
 }
 
+// A number of a translation: "1/2", "0.25", "1".
+bool ReadFraction(std::string_view text, float& value) {
+  const std::size_t slash = text.find('/');
+  const std::string top(text.substr(0, slash));
+  char* end = nullptr;
+  value = std::strtof(top.c_str(), &end);
+  if (top.empty() || *end != '\0' || !std::isfinite(value)) return false;
+  if (slash == std::string_view::npos) return true;
+  const std::string bottom(text.substr(slash + 1));
+  const long divisor = std::strtol(bottom.c_str(), &end, 10);
+  if (bottom.empty() || *end != '\0' || divisor <= 0) return false;
+  value /= static_cast<float>(divisor);
+  return true;
+}
+
+// One row: signed terms, each a coordinate or a number.
+bool ReadRow(std::string_view text, float* row) {
+  std::fill(row, row + 4, 0.0f);
+  std::size_t i = 0;
+  while (i < text.size()) {
+    float sign = 1.0f;
+    if (text[i] == '+' || text[i] == '-') sign = text[i++] == '-' ? -1.0f : 1.0f;
+    const std::size_t end = text.find_first_of("+-", i);
+    const std::string_view term = text.substr(i, end == std::string_view::npos ? end : end - i);
+    const std::size_t axis = std::string_view("xyz").find(LowerChar(term.empty() ? ' ' : term[0]));
+    float value = 0.0f;
+    if (term.size() == 1 && axis != std::string_view::npos) {
+      row[axis] += sign;
+    } else if (ReadFraction(term, value)) {
+      row[3] += sign * value;
+    } else {
+      return false;
+    }
+    i = end == std::string_view::npos ? text.size() : end;
+  }
+  const bool unit = std::all_of(row, row + 3, [](float c) { return std::fabs(c) <= 1.0f; });
+  return unit && (row[0] != 0.0f || row[1] != 0.0f || row[2] != 0.0f);
+}
+
 }  // namespace
 
 std::string_view LaueClassLabel(int laueClass) {
@@ -54,6 +96,22 @@ std::string_view LaueClassLabel(int laueClass) {
 
 std::string OperatorText(const SymmetryOperator& op) {
   return RowText(&op[0]) + "," + RowText(&op[4]) + "," + RowText(&op[8]);
+}
+
+bool ReadOperatorText(std::string_view text, SymmetryOperator& op) {
+  std::string compact;
+  for (char c : text) {
+    if (c != ' ' && c != '\t') compact += c;
+  }
+  std::string_view rest = compact;
+  for (int row = 0; row < 3; ++row) {
+    const std::size_t comma = rest.find(',');
+    if ((row < 2) == (comma == std::string_view::npos)) return false;
+    if (!ReadRow(rest.substr(0, comma), &op[4 * row])) return false;
+    op[4 * row + 3] -= std::floor(op[4 * row + 3]);
+    rest = row < 2 ? rest.substr(comma + 1) : std::string_view();
+  }
+  return true;
 }
 
 SymbolStatus ParseSpaceGroupSymbol(std::string_view symbol, SpaceGroupInfo& info) {

@@ -23,6 +23,11 @@ using GeneratorWord = int;
 
 inline constexpr GeneratorWord kInversionWord = 290;
 inline constexpr GeneratorWord kRhombohedralCentringWord = 8192;
+// The translations of the A, B, C and I centrings (F is A with B).
+inline constexpr GeneratorWord kACentringWord = 576;
+inline constexpr GeneratorWord kBCentringWord = 516;
+inline constexpr GeneratorWord kCCentringWord = 68;
+inline constexpr GeneratorWord kICentringWord = 580;
 inline constexpr GeneratorWord kDiagonalThreeFoldWord = 16384;
 inline constexpr int kMaxGeneratorWords = 10;
 inline constexpr int kSymbolLength = 20;
@@ -114,5 +119,10 @@ ExpandStatus SitePosition(const SpaceGroupInfo& info, std::array<float, 3>& posi
 
 // An operator as text: "x,y,z", "-x,y+1/2,-z+1/2", "x-y,x,z+1/6".
 std::string OperatorText(const SymmetryOperator& op);
+
+// The operator of a text as CIF files write them: "-x+1/2, y, -z", "1/2+X,-Y,Z", "x-y,x,z+0.5".
+// The translation is taken into [0, 1). False for text that names no operator of a space
+// group: a coefficient other than -1, 0, 1 or a row without x, y and z.
+bool ReadOperatorText(std::string_view text, SymmetryOperator& op);
 
 }  // namespace kaldena

@@ -312,6 +312,18 @@ int OriginChoiceIndex(std::string_view symbol) {
   return row == std::end(kOriginChoiceGroups) ? 0 : static_cast<int>(row - kOriginChoiceGroups) + 1;
 }
 
+int PrintedOriginChoice(std::string_view symbol) {
+  const std::string text = UpperText(symbol);
+  for (const std::string_view mark : {":", "ORIGIN CHOICE", "ORIGIN"}) {
+    const std::size_t at = text.find(mark);
+    if (at == std::string::npos) continue;
+    const std::size_t digit = text.find_first_not_of(' ', at + mark.size());
+    if (digit == std::string::npos) return 0;
+    return text[digit] == '1' ? 1 : text[digit] == '2' ? 2 : 0;
+  }
+  return 0;
+}
+
 std::string ConvertPrintedSymbol(std::string_view symbol) {
   const std::string text = StrippedText(UpperText(WithoutBrackets(symbol)));
   if (text.empty() || kLatticeLetters.find(text.front()) == std::string_view::npos) {

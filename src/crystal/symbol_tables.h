@@ -44,6 +44,11 @@ std::string CrystalSystemName(const std::array<float, 6>& cell);
 // other symbol. Case and blanks do not matter, and "FD-3M" is "FD3M".
 int OriginChoiceIndex(std::string_view symbol);
 
+// The origin choice that a printed symbol names, 1 or 2: ":1" behind it ("F d -3 m:1",
+// "F d -3 m :1") or the words "origin choice 1" or "origin 1" in it, any case; 0 when it names
+// none.
+int PrintedOriginChoice(std::string_view symbol);
+
 // A symbol as printed in a CIF or typed ("P21/c", "P4_2/mnm", "P 1 21/c 1", "R-3c:R") in the
 // blank-separated upper-case form the symbol reader takes ("P 21/C", "P 42/M N M", "R -3 C R").
 // Bracketed parts are left out. Text that does not begin with a lattice letter comes back

@@ -38,7 +38,6 @@ void SetBuiltIn(AtomType& type, int z, bool xray, float wavelength) {
     type.formFactor[8] = data[9];
     type.fPrime = type.fDoublePrime = 0;
   }
-  type.mass = GetAtomicMass(z);
 }
 
 }  // namespace
@@ -62,13 +61,16 @@ bool ReadAtomTypes(InputRecords& in, EngineState& state) {
       return false;
     }
     type.symbol = symbol.substr(0, 2);
-    const int z = ElementNumber(type.symbol);
-    if (z == 0) {
+    type.element = ElementNumber(type.symbol);
+    if (type.element == 0) {
       if (!ReadTableType(in, type)) return false;
       if (!xray) type.fPrime = type.fDoublePrime = 0;
+      // Its scattering comes from the table, its mass from the element it names ("FE", "Fe2").
+      type.element = ElementNamed(symbol);
     } else {
-      SetBuiltIn(type, z, xray, c.wavelengths[0]);
+      SetBuiltIn(type, type.element, xray, c.wavelengths[0]);
     }
+    type.mass = GetAtomicMass(type.element);
     state.atomTypes.push_back(type);
   }
   return true;

@@ -76,7 +76,8 @@ struct AtomType {
   std::array<float, 9> formFactor{};
   float fPrime = 0;  // X-rays only
   float fDoublePrime = 0;
-  float mass = 0;
+  int element = 0;  // Z of the element that the symbol names, 0 when it names none
+  float mass = 0;   // 0 when the element is not known
 };
 
 struct Atom {
@@ -185,8 +186,8 @@ enum class RowFactor : unsigned char {
 // Work arrays of the least-squares cycles, allocated by the cycle stage.
 struct CycleWork {
   std::vector<float> normal;  // kMaxParameters x kMaxParameters, row-major, upper part summed
-  std::vector<float> rows;    // ring of kMaxReflectionsAtPoint derivative rows, kMaxParameters each
-  std::array<float, kMaxReflectionsAtPoint> ringTan{};
+  std::vector<float> rows;  // ring of kMaxSpanReflections derivative rows, kMaxParameters each
+  std::array<float, kMaxSpanReflections> ringTan{};
   std::array<float, kMaxParameters> lastShifts{};
   // Row factor of each parameter for the reflections of each phase.
   std::vector<std::array<RowFactor, kMaxParameters>> factors;
@@ -199,10 +200,28 @@ struct CycleWork {
   std::vector<int> spans;
 };
 
+// A phase's fit as the output stage finds it.
+struct PhaseFit {
+  float braggR = 0;     // derived Bragg R-factor, percent
+  int reflections = 0;  // in the range and outside the excluded regions
+};
+
+// How the cycles of a refinement ended.
+enum class CycleEnd {
+  kRunning = 0,
+  kConverged,   // by the shift test; also every calculation and comparison
+  kCycleLimit,  // the cycle count was used up
+  kStopped,     // the stop flag
+  kDiverging,   // the step control rejected too many tries in a row
+};
+
 // What the cycles leave for the output stage and the caller: the residuals of the last
 // sweep and the shifts of the last cycle.
 struct CycleSummary {
-  int cycles = 0;  // cycles run
+  int cycles = 0;         // accepted cycles run
+  int keptCycle = 0;      // the cycle whose parameters the run keeps (0: the start)
+  int rejectedTries = 0;  // steps that the step control rejected, over the run
+  CycleEnd end = CycleEnd::kRunning;
   int points = 0;  // points that took part
   float rp = 0, rwp = 0, rpBackground = 0, chi2 = 0;
   float durbinWatson = 0, durbinWatsonWeighted = 0;
@@ -214,6 +233,7 @@ struct CycleSummary {
   float largestRatio = 0, averageRatio = 0;  // shift / esd
   std::string largestName;
   double condition = 0;
+  std::vector<PhaseFit> phaseFits;  // one per phase, from the output stage
 };
 
 struct EngineState {

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <fstream>
 
-#include "crystal/elements.h"
 #include "engine/cell_from_metric.h"
 #include "engine/parameter_limits.h"
 #include "engine/parameter_numbering.h"
@@ -191,16 +190,21 @@ PhaseContents ContentsOf(const EngineState& state, const Phase& phase) {
   PhaseContents c;
   c.operators = static_cast<int>(phase.group.operators.size());
   const float lambda = state.globals[kWavelength].value;
+  bool massKnown = true;
   for (int a = phase.firstAtom; a < phase.firstAtom + phase.atoms; ++a) {
     const Atom& atom = state.atoms[a];
     const int t = atom.type - 1;
     if (t < 0 || t >= static_cast<int>(state.atomTypes.size())) continue;
     const AtomType& type = state.atomTypes[t];
     const float count = atom.values[kAtomOccupation].value * static_cast<float>(c.operators);
+    massKnown = massKnown && (type.mass > 0 || count == 0);
     c.mass += count * type.mass;
-    c.electrons += count * static_cast<float>(ElementNumber(type.symbol));
+    c.electrons += count * static_cast<float>(type.element);
     c.absorption += count * type.fDoublePrime * kAbsorptionUnit * lambda;
   }
+  // A part of the cell of no known element leaves the whole mass unknown: 0, which the result
+  // table reads as such.
+  if (!massKnown) c.mass = 0;
   const UnitCell cell{phase.cell[0], phase.cell[1], phase.cell[2],
                       phase.cell[3], phase.cell[4], phase.cell[5]};
   const float volume = CellVolume(cell);

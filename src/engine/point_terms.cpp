@@ -152,7 +152,7 @@ void SetBackground(EngineState& state) {
   const PatternPoints& points = state.points;
   CycleWork& work = state.work;
   for (int i = 0; i < points.count; ++i) {
-    if (work.spans[i] == kMaxReflections) continue;
+    if (ReflectionsOfSpan(work.spans[i]).excluded) continue;
     float value = 0;
     if (model.kind < 1) {
       const auto basis = BackgroundBasis(model, points.x[i]);

@@ -76,6 +76,7 @@ void ReflectionStore::SortByPosition(int first, int last) {
 
 SpanStatus AssignPointSpans(const ReflectionStore& store, const PointSpanInput& in,
                             std::vector<int>& spans, std::vector<std::string>& listLines) {
+  // (first, last) by point number from 1.
   std::vector<std::array<int, 2>> table(in.points + 1, {0, 0});
   for (int r = 0; r < store.Count(); ++r) {
     const float p = store.Value(ReflectionStore::kPosition, r);
@@ -90,19 +91,21 @@ SpanStatus AssignPointSpans(const ReflectionStore& store, const PointSpanInput& 
   const float end = in.start + in.step * static_cast<float>(in.points - 1);
   for (const std::array<float, 2>& region : in.excludedRegions) {
     if (region[1] <= in.start) continue;
-    const int lo = std::clamp(PointOf(region[0], in), 1, in.points);
-    const int hi = std::clamp(PointOf(region[1], in), 1, in.points);
+    // Not clamped onto the range: the engine's own region above the stop value begins one step
+    // behind the last point and excludes none.
+    const int lo = std::max(PointOf(region[0], in), 1);
+    const int hi = std::min(PointOf(region[1], in), in.points);
     for (int i = lo; i <= hi; ++i) table[i] = {0, 1};
     if (region[1] >= end) break;
   }
-  spans.assign(in.points + 1, 0);
+  spans.assign(in.points, 0);
   int usable = 0;
   for (int i = 1; i <= in.points; ++i) {
-    if (table[i][1] - table[i][0] > kMaxReflectionsAtPoint) {
+    if (table[i][1] - table[i][0] + 1 > kMaxSpanReflections) {
       listLines.push_back(" EXCESSIVE PEAK OVERLAP");
       return SpanStatus::kFailed;
     }
-    spans[i] = table[i][1] * kMaxReflections + table[i][0];
+    spans[i - 1] = table[i][1] * kMaxReflections + table[i][0];
     if (usable == 0 && table[i][0] > 0) usable = i;
   }
   if (usable == 0) {
@@ -115,6 +118,13 @@ SpanStatus AssignPointSpans(const ReflectionStore& store, const PointSpanInput& 
     return SpanStatus::kFailed;
   }
   return SpanStatus::kOk;
+}
+
+SpanReflections ReflectionsOfSpan(int span) {
+  if (span == kMaxReflections) return {0, -1, true};
+  const int first = span % kMaxReflections, last = span / kMaxReflections;
+  if (first == 0) return {};
+  return {first - 1, last - 1, false};
 }
 
 }  // namespace kaldena

@@ -55,8 +55,8 @@ class ReflectionStore {
   std::vector<float> reals_;
 };
 
-// The reflections that reach each point: last * 8000 + first (indices from 1), 8000 for an
-// excluded point and 0 for an empty one.
+// The reflections that reach each point, one span a point (points from 0): last * 8000 + first
+// (indices from 1), 8000 for an excluded point and 0 for an empty one.
 struct PointSpanInput {
   float start = 0;
   float step = 0;
@@ -73,5 +73,14 @@ enum class SpanStatus { kOk = 0, kFailed = 1 };
 
 SpanStatus AssignPointSpans(const ReflectionStore& store, const PointSpanInput& input,
                             std::vector<int>& spans, std::vector<std::string>& listLines);
+
+// The reflections of one span, from 0: none when last < first.
+struct SpanReflections {
+  int first = 0;
+  int last = -1;
+  bool excluded = false;
+};
+
+SpanReflections ReflectionsOfSpan(int span);
 
 }  // namespace kaldena

@@ -6,8 +6,8 @@
 
 namespace kaldena {
 
-// Ring slot of reflection r (from 0) among the rows that the points in reach can need.
-inline int RingSlot(int r) { return r % kMaxReflectionsAtPoint; }
+// Ring slot of reflection r (from 0): the ring holds every reflection of the widest span.
+inline int RingSlot(int r) { return r % kMaxSpanReflections; }
 
 // Fills the store's values of reflection r (from 0) and, in a refinement, its derivative row.
 void ReflectionTerms(EngineState& state, int r);

@@ -14,7 +14,7 @@ namespace kaldena {
 // Sums of one phase's atoms over the cell, for PHMW.
 struct PhaseContents {
   int operators = 0;
-  float mass = 0;  // atomic mass units
+  float mass = 0;  // atomic mass units; 0 when an atom of the cell has no known element
   float electrons = 0;
   float absorption = 0;  // linear absorption coefficient, 1/cm
 };

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "engine/run_engine.h"
+#include "engine/run_report.h"
 #include "shell/default_project.h"
 #include "shell/preferences.h"
 #include "shell/shell_services.h"
@@ -339,12 +340,11 @@ int RunProject(ShellState& state, Toolkit& toolkit) {
   request.fileName = StrippedText(state.projectFileName);
   request.debug = state.debugMode != 0;
   const EngineResult result = RunEngine(request, reporter);
+  TellOutcome(result, reporter);
   if (result.status == 0) {
     if (state.plotMode > 2) state.plotMode = 1;
     state.reloadPlotData = 1;
     ShowPattern(state, toolkit);
-  } else {
-    LogLine(state, toolkit, "Refinement interupted");
   }
   return result.status;
 }

@@ -10,6 +10,7 @@
 #include "crystal/space_group.h"
 #include "crystal/symbol_tables.h"
 #include "store/record_catalogue.h"
+#include "tools/cif_import_symmetry.h"
 #include "tools/cif_scanner.h"
 #include "util/cell.h"
 #include "util/column_format.h"
@@ -20,59 +21,8 @@ namespace kaldena {
 
 namespace {
 
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-
 bool StartsWithName(std::string_view name, std::string_view prefix) {
   return name.size() >= prefix.size() && SameCifName(name.substr(0, prefix.size()), prefix);
-}
-
-// The symbol's text behind its data name: the quoted text, or the unquoted rest of the line.
-// Nothing behind the name (the value on a later line) is an error, as in the classic layout.
-std::optional<std::string> SymbolText(std::string_view rest) {
-  const std::size_t quote = rest.find_first_of("'\"");
-  if (quote != std::string_view::npos) {
-    const std::size_t close = rest.find(rest[quote], quote + 1);
-    return std::string(rest.substr(quote + 1, close == std::string_view::npos
-                                                  ? std::string_view::npos
-                                                  : close - quote - 1));
-  }
-  const std::vector<std::string> words = CifWords(rest);
-  if (words.empty()) return std::nullopt;
-  // An unquoted symbol is one word in a proper CIF; a messy file may still space it out.
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-  return text;
-}
-
-bool ReadsAsSymbol(std::string_view symbol) {
-  SpaceGroupInfo info;
-  if (ParseSpaceGroupSymbol(symbol, info) != SymbolStatus::kOk) return false;
-  return ExpandOperators(info) == ExpandStatus::kOk;
-}
-
-void ReadSymbol(const CifText& text, CifPhase& phase, Reporter& reporter) {
-  std::optional<CifItem> item = FindCifItem(text, "_symmetry_space_group_name_H-M");
-  if (!item) item = FindCifItem(text, "_space_group_name_H-M_alt");
-  if (!item) {
-    reporter.LogLine("Spacegroup symbol not found");
-    reporter.LogLine(text.fileName + ": no space group symbol, P 1 used");
-    return;
-  }
-  const std::optional<std::string> raw = SymbolText(item->rest);
-  if (!raw || Trimmed(LeftJustify(*raw)).empty()) {
-    reporter.LogLine("Error in spacegroup symbol");
-    reporter.LogLine(text.Where(item->line) + ": no symbol on the line of its name, P 1 used");
-    return;
-  }
-  std::string symbol = ConvertPrintedSymbol(Trimmed(LeftJustify(*raw)));
-  symbol = std::string(Trimmed(symbol.substr(0, kSymbolLength)));
-  if (!ReadsAsSymbol(symbol)) {
-    reporter.LogLine("Error in spacegroup symbol");
-    reporter.LogLine(text.Where(item->line) + ": space group '" + *raw +
-                     "' is not understood, P 1 used");
-    return;
-  }
-  phase.spaceGroup = symbol;
 }
 
 void ReadCell(const CifText& text, CifPhase& phase, Reporter& reporter) {
@@ -81,9 +31,8 @@ void ReadCell(const CifText& text, CifPhase& phase, Reporter& reporter) {
     const char* word;
   };
   static constexpr CellItem kItems[6] = {
-      {"_cell_length_a", "a"},         {"_cell_length_b", "b"},
-      {"_cell_length_c", "c"},         {"_cell_angle_alpha", "alpha"},
-      {"_cell_angle_beta", "beta"},    {"_cell_angle_gamma", "gamma"}};
+      {"_cell_length_a", "a"},        {"_cell_length_b", "b"},      {"_cell_length_c", "c"},
+      {"_cell_angle_alpha", "alpha"}, {"_cell_angle_beta", "beta"}, {"_cell_angle_gamma", "gamma"}};
   for (int i = 0; i < 6; ++i) {
     const std::optional<CifItem> item = FindCifItem(text, kItems[i].name);
     if (!item) {
@@ -111,8 +60,7 @@ bool RhombohedralAxes(const CifPhase& phase) {
 
 // A number of a row into `value` and `esd`; unknown ("?", ".") keeps the default silently.
 void TakeNumber(const CifText& text, const CifLoop& loop, std::size_t row, int column,
-                std::string_view what, float& value, float& esd, Reporter& reporter,
-                bool& taken) {
+                std::string_view what, float& value, float& esd, Reporter& reporter, bool& taken) {
   taken = false;
   if (column < 0) return;
   const std::string& word = loop.rows[row][column];
@@ -133,15 +81,14 @@ std::string LabelOf(const CifLoop& loop, std::size_t row, int column) {
 }
 
 void ReadAtoms(const CifText& text, CifPhase& phase, Reporter& reporter, int atomsBefore) {
-  const std::optional<CifLoop> loop =
-      FindCifLoop(text, [](const std::vector<std::string>& names) {
-        bool site = false;
-        for (const std::string& name : names) {
-          if (StartsWithName(name, "_atom_site_aniso")) return false;
-          site = site || StartsWithName(name, "_atom_site_");
-        }
-        return site;
-      });
+  const std::optional<CifLoop> loop = FindCifLoop(text, [](const std::vector<std::string>& names) {
+    bool site = false;
+    for (const std::string& name : names) {
+      if (StartsWithName(name, "_atom_site_aniso")) return false;
+      site = site || StartsWithName(name, "_atom_site_");
+    }
+    return site;
+  });
   if (!loop) {
     reporter.LogLine("Atomic parameters not found");
     return;
@@ -185,8 +132,8 @@ void ReadAtoms(const CifText& text, CifPhase& phase, Reporter& reporter, int ato
       TakeNumber(text, *loop, row, columns[k], kCoordinate[k], atom.values[k], atom.valueSd[k],
                  reporter, taken);
     }
-    TakeNumber(text, *loop, row, occupancy, "occupancy", atom.values[3], atom.valueSd[3],
-               reporter, taken);
+    TakeNumber(text, *loop, row, occupancy, "occupancy", atom.values[3], atom.valueSd[3], reporter,
+               taken);
     // B wins over U when both are given.
     float b = 0.0f, bSd = 0.0f;
     TakeNumber(text, *loop, row, bIso, "B", b, bSd, reporter, taken);
@@ -205,16 +152,15 @@ void ReadAtoms(const CifText& text, CifPhase& phase, Reporter& reporter, int ato
 }
 
 void ReadAniso(const CifText& text, CifPhase& phase, Reporter& reporter) {
-  const std::optional<CifLoop> loop =
-      FindCifLoop(text, [](const std::vector<std::string>& names) {
-        for (const std::string& name : names) {
-          if (StartsWithName(name, "_atom_site_aniso_U_") ||
-              StartsWithName(name, "_atom_site_aniso_B_")) {
-            return true;
-          }
-        }
-        return false;
-      });
+  const std::optional<CifLoop> loop = FindCifLoop(text, [](const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+      if (StartsWithName(name, "_atom_site_aniso_U_") ||
+          StartsWithName(name, "_atom_site_aniso_B_")) {
+        return true;
+      }
+    }
+    return false;
+  });
   if (!loop) {
     reporter.LogLine("Thermal parameters not found");
     reporter.Progress("ImportCIF no aniso");
@@ -241,8 +187,8 @@ void ReadAniso(const CifText& text, CifPhase& phase, Reporter& reporter) {
     }
     factor[k] = scale * star[kFirst[k]] * star[kSecond[k]];
   }
-  reporter.LogLine(FormatLine("(7i5)", label + 1, columns[0] + 1, columns[1] + 1,
-                              columns[2] + 1, columns[3] + 1, columns[4] + 1, columns[5] + 1));
+  reporter.LogLine(FormatLine("(7i5)", label + 1, columns[0] + 1, columns[1] + 1, columns[2] + 1,
+                              columns[3] + 1, columns[4] + 1, columns[5] + 1));
   if (!reciprocal) {
     reporter.LogLine(text.Where(loop->line) +
                      ": the cell closes no volume, anisotropic values set to 0");
@@ -317,7 +263,8 @@ void NumberTypes(CifPhase& phase) {
 CifPhase ImportFromText(const CifText& text, Reporter& reporter, int atomsBefore) {
   CifPhase phase;
   reporter.Progress("ImportCIF file ready");
-  ReadSymbol(text, phase, reporter);
+  const CifSpaceGroup group = ReadCifSpaceGroup(text, reporter);
+  phase.spaceGroup = group.symbol;
   ReadCell(text, phase, reporter);
   reporter.Progress("ImportCIF cell ready");
   if (RhombohedralAxes(phase)) {
@@ -327,6 +274,7 @@ CifPhase ImportFromText(const CifText& text, Reporter& reporter, int atomsBefore
   }
   ReadAtoms(text, phase, reporter, atomsBefore);
   ReadAniso(text, phase, reporter);
+  MoveToOriginChoiceTwo(group, phase.atoms);
   SetSiteFactors(phase);
   NumberTypes(phase);
   reporter.Progress("ImportCIF done");
@@ -342,17 +290,7 @@ std::string Name4(std::string_view label) {
 }  // namespace
 
 std::string ElementOfSymbol(std::string_view symbol) {
-  const std::size_t first = symbol.find_first_not_of(" \t");
-  const std::string_view text =
-      first == std::string_view::npos ? std::string_view() : symbol.substr(first);
-  if (text.empty() || !IsLetter(text[0])) return "  ";
-  std::string two = {UpperChar(text[0]), ' '};
-  if (text.size() > 1 && IsLetter(text[1])) {
-    two[1] = LowerChar(text[1]);
-    if (ElementNumber(two) != 0) return two;
-    two[1] = ' ';
-  }
-  return ElementNumber(two) != 0 ? two : std::string("  ");
+  return std::string(ElementSymbol(ElementNamed(symbol)));
 }
 
 CifPhase ImportCif(const std::string& path, Reporter& reporter, int atomsBefore) {
@@ -374,12 +312,11 @@ CifPhase ImportCifText(std::string_view name, std::string_view content, Reporter
   return ImportFromText(CifTextOf(name, content), reporter, atomsBefore);
 }
 
-std::vector<Record> CifPhaseRecords(const CifPhase& phase, std::string_view title,
-                                    int firstType) {
+std::vector<Record> CifPhaseRecords(const CifPhase& phase, std::string_view title, int firstType) {
   std::vector<Record> block;
   block.push_back(TextRecord("PHTI", Trimmed(title)));
-  block.push_back(MakeRecord("PHNA", "(i5,9f5.1)", static_cast<int>(phase.atoms.size()), 0.0f,
-                             0.0f, 1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 1.0f, 0.0f));
+  block.push_back(MakeRecord("PHNA", "(i5,9f5.1)", static_cast<int>(phase.atoms.size()), 0.0f, 0.0f,
+                             1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 1.0f, 0.0f));
   block.push_back(TextRecord("SPGR", Trimmed(phase.spaceGroup.substr(0, kSymbolLength))));
   const auto& c = phase.cell;
   block.push_back(MakeRecord("CELL", "(6f10.5)", c[0], c[1], c[2], c[3], c[4], c[5]));
@@ -389,18 +326,18 @@ std::vector<Record> CifPhaseRecords(const CifPhase& phase, std::string_view titl
     const auto& v = atom.values;
     const auto& e = atom.valueSd;
     const int type = std::clamp(atom.type + firstType - 1, 1, kMaxAtomTypes);
-    block.push_back(MakeRecord("XYZ ", "(a4,3x,i3,5f10.5,i3)", Name4(atom.label), type, v[0],
-                               v[1], v[2], v[3], v[4], atom.siteFactor));
-    block.push_back(MakeRecord("SDXY", "(a4,6x,5f10.5)", Name4(atom.label), e[0], e[1], e[2],
-                               e[3], e[4]));
+    block.push_back(MakeRecord("XYZ ", "(a4,3x,i3,5f10.5,i3)", Name4(atom.label), type, v[0], v[1],
+                               v[2], v[3], v[4], atom.siteFactor));
+    block.push_back(
+        MakeRecord("SDXY", "(a4,6x,5f10.5)", Name4(atom.label), e[0], e[1], e[2], e[3], e[4]));
   }
   for (const CifAtom& atom : phase.atoms) {
     const auto& b = atom.beta;
     const auto& e = atom.betaSd;
-    block.push_back(MakeRecord("BETA", "(a4,6x,6f10.5)", Name4(atom.label), b[0], b[1], b[2],
-                               b[3], b[4], b[5]));
-    block.push_back(MakeRecord("SDBE", "(a4,6x,6f10.5)", Name4(atom.label), e[0], e[1], e[2],
-                               e[3], e[4], e[5]));
+    block.push_back(MakeRecord("BETA", "(a4,6x,6f10.5)", Name4(atom.label), b[0], b[1], b[2], b[3],
+                               b[4], b[5]));
+    block.push_back(MakeRecord("SDBE", "(a4,6x,6f10.5)", Name4(atom.label), e[0], e[1], e[2], e[3],
+                               e[4], e[5]));
   }
   return block;
 }

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <sstream>
 
 #include "tools/cif_text.h"
 #include "tools/cif_writer_sections.h"
@@ -190,14 +191,25 @@ CifStatus WriteCif(std::string_view project, std::string_view cifFile, Reporter&
   }
   CifOutput cif{file};
   WriteGlobalBlock(cif, records, date.empty() ? TodayText() : std::string(date));
+  // Each phase's geometry loops go into its own block, as a block may hold a data name only
+  // once; the search runs when every block stands, so the blocks wait for it.
   std::set<std::string> blockCodes = {"global"};
+  std::vector<std::string> blocks;
   for (int phase = 0; phase < static_cast<int>(records.phases.size()); ++phase) {
-    if (WritePhaseBlock(cif, records, phase, blockCodes, reporter) != CifStatus::kOk) {
+    std::ostringstream block;
+    CifOutput blockOutput{block};
+    const CifStatus status = WritePhaseBlock(blockOutput, records, phase, blockCodes, reporter);
+    blocks.push_back(block.str());
+    if (status != CifStatus::kOk) {
+      for (const std::string& written : blocks) file << written;
       return CifStatus::kFailed;
     }
   }
   const DistanceTable geometry = CalculateDistances(project, reporter);
-  WriteGeometryLoops(cif, geometry);
+  for (size_t phase = 0; phase < blocks.size(); ++phase) {
+    file << blocks[phase];
+    WriteGeometryLoops(cif, geometry, phase);
+  }
   if (!geometry.ok) return CifStatus::kFailed;  // the old CIF stays
   if (!file.Publish()) {
     reporter.LogLine(" Error opening ciffile ");

@@ -66,18 +66,16 @@ void Bonds(CifOutput& cif, const PhaseDistances& phase) {
 
 }  // namespace
 
-void WriteGeometryLoops(CifOutput& cif, const DistanceTable& table) {
-  const bool several = table.phases.size() > 1;
-  for (size_t p = 0; p < table.phases.size(); ++p) {
-    const PhaseDistances& phase = table.phases[p];
-    // Plain text outside the CIF syntax, kept so for files of several phases.
-    if (several) {
-      cif.Write("(/3x,'* PHASE NO. ',I2,': ', a,' *')", static_cast<int>(p + 1),
-                Trimmed(phase.title));
-    }
-    Angles(cif, phase);
-    Bonds(cif, phase);
+void WriteGeometryLoops(CifOutput& cif, const DistanceTable& table, size_t phase) {
+  if (phase >= table.phases.size()) return;
+  const PhaseDistances& distances = table.phases[phase];
+  // A comment, so that a file of several phases stays CIF.
+  if (table.phases.size() > 1) {
+    cif.Write("(/'#',2x,'* PHASE NO. ',I2,': ', a,' *')", static_cast<int>(phase + 1),
+              Trimmed(distances.title));
   }
+  Angles(cif, distances);
+  Bonds(cif, distances);
 }
 
 }  // namespace kaldena

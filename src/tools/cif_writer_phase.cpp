@@ -8,6 +8,7 @@
 #include "crystal/absorption.h"
 #include "crystal/elements.h"
 #include "crystal/space_group.h"
+#include "crystal/space_group_settings.h"
 #include "crystal/symbol_tables.h"
 #include "tools/cif_text.h"
 #include "tools/cif_writer_sections.h"
@@ -44,13 +45,22 @@ void Names(CifOutput& cif, const CifOutPhase& phase) {
   cif.Item("_chemical_formula_weight", phase.mass > 0 ? Fixed("(f10.2)", phase.mass) : "?");
 }
 
+// The system's own symbol, then the number, printed symbol and Hall symbol of the setting its
+// operators are, in the names other programs look for ("?" for a setting of no table).
 void Symmetry(CifOutput& cif, const CifOutPhase& phase, Reporter& reporter) {
   std::string symbol = phase.symbol;
   const SpaceGroupInfo group = GetSpaceGroupOperators(symbol, reporter);
+  const SpaceGroupSetting* setting = SettingOfOperators(group.operators);
+  const std::string number = setting ? std::to_string(setting->number) : "?";
+  const std::string printed = setting ? CifQuoted(setting->printed) : "?";
+  const std::string hall = setting ? CifQuoted(setting->hall) : "?";
   cif.Item("_symmetry_cell_setting", CifQuoted(Trimmed(CrystalSystemName(phase.cell))));
   cif.Item("_symmetry_space_group_name_H-M", CifQuoted(Trimmed(symbol)));
-  cif.Item("_symmetry_int_tables_number", "?");
-  cif.Item("_symmetry_space_group_name_Hall", "?");
+  cif.Item("_symmetry_int_tables_number", number);
+  cif.Item("_symmetry_space_group_name_Hall", hall);
+  cif.Item("_space_group_IT_number", number);
+  cif.Item("_space_group_name_H-M_alt", printed);
+  cif.Item("_space_group_name_Hall", hall);
   cif.Write("('loop_'/' _symmetry_equiv_pos_as_xyz')");
   for (const SymmetryOperator& op : group.operators) {
     cif.Write("(2x,a,a,a)", "'", OperatorText(op), "'");

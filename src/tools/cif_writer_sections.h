@@ -37,9 +37,10 @@ void WriteGlobalBlock(CifOutput& cif, const CifOutProject& project, std::string_
 CifStatus WritePhaseBlock(CifOutput& cif, const CifOutProject& project, int phase,
                           std::set<std::string>& blockCodes, Reporter& reporter);
 
-// The angle and bond loops of every phase of the silent distance search. With two or more
-// phases each phase's loops are headed by the plain "* PHASE NO. n: title *" line.
-void WriteGeometryLoops(CifOutput& cif, const DistanceTable& table);
+// The angle and bond loops of one phase (from 0) of the silent distance search; nothing for a
+// phase the search did not reach. With two or more phases the loops are headed by the comment
+// "#  * PHASE NO. n: title *".
+void WriteGeometryLoops(CifOutput& cif, const DistanceTable& table, size_t phase);
 
 // The element symbol of an atom: the type's name when the project has an atom type table,
 // else read from the label ("AL1" is "Al", "O2" is "O"); "?" when neither gives one.

@@ -193,31 +193,52 @@ void RegionsAndAnomalous(TableContext& t) {
   }
 }
 
+// Percentage of one part of a sum and its esd, from the sum S of the squared esds.
+std::pair<double, double> Share(double part, double esd, double total, double sumSquaredEsds) {
+  const double t2 = total * total;
+  return {100 * part / total,
+          100 * std::sqrt(sumSquaredEsds * part * part / (t2 * t2) + esd * esd / t2)};
+}
+
+// Weight and volume fractions of the phases. A phase of unknown mass leaves every weight
+// fraction unknown: the others are not shares of a sum without it.
 void Quantitative(TableContext& t, const std::vector<PhaseQuantity>& phases) {
   if (phases.size() < 2) return;
   double w = 0, v = 0, sw = 0, sv = 0;
+  bool weights = true;
   for (const PhaseQuantity& p : phases) {
     if (!p.known) return;
+    weights = weights && p.massKnown;
     w += p.weight;
     v += p.volume;
     sw += p.weightEsd * p.weightEsd;
     sv += p.volumeEsd * p.volumeEsd;
   }
-  if (w <= 0 || v <= 0) return;
+  if ((weights && w <= 0) || v <= 0) return;
   double absorption = 0;
   for (size_t i = 0; i < phases.size(); ++i) {
     const PhaseQuantity& p = phases[i];
-    const double wp = 100 * p.weight / w, vp = 100 * p.volume / v;
-    const double we = 100 * std::sqrt(sw * p.weight * p.weight / (w * w * w * w) + p.weightEsd * p.weightEsd / (w * w));
-    const double ve = 100 * std::sqrt(sv * p.volume * p.volume / (v * v * v * v) + p.volumeEsd * p.volumeEsd / (v * v));
+    const auto [vp, ve] = Share(p.volume, p.volumeEsd, v, sv);
     absorption += vp * p.absorption;
     if (i == 0) {
       t.Write("(/'Quantitative analysis:    Phase ',$)");
-      t.Write("(i2,' : ',f8.2,'(',f5.2,') wgt%;   ',f8.2,'(',f5.2,') vol%')", 1, wp, we, vp, ve);
     } else {
-      t.Write("(26x,'Phase ',i2,' : ',f8.2,'(',f5.2,') wgt%;   ',f8.2,'(',f5.2,') vol%')",
-              static_cast<int>(i + 1), wp, we, vp, ve);
+      t.Write("(26x,'Phase ',$)");
     }
+    const int number = static_cast<int>(i + 1);
+    if (weights) {
+      const auto [wp, we] = Share(p.weight, p.weightEsd, w, sw);
+      t.Write("(i2,' : ',f8.2,'(',f5.2,') wgt%;   ',f8.2,'(',f5.2,') vol%')", number, wp, we, vp,
+              ve);
+    } else {
+      t.Write("(i2,' : ',7x,'?',7x,' wgt%;   ',f8.2,'(',f5.2,') vol%')", number, vp, ve);
+    }
+  }
+  for (size_t i = 0; i < phases.size(); ++i) {
+    if (phases[i].massKnown) continue;
+    t.Write(
+        "(' Phase ',i2,' : weight fraction cannot be computed (no atomic mass for an atom type)')",
+        static_cast<int>(i + 1));
   }
   t.Write("(/'Combined absorption coefficien     :',f9.2,' /cm')", absorption / 100);
 }

@@ -250,6 +250,7 @@ PhaseQuantity WritePhase(TableContext& t, int phase) {
     t.Write("(' Density                     : ',$)");
     t.Write("(f12.3,'  g/cm**3')", volume > 0 ? mass / volume / 0.6023f : 0.0f);
     q.known = true;
+    q.massKnown = mass > 0;
     q.weight = static_cast<double>(scale) * mass * volume;
     q.volume = static_cast<double>(scale) * volume * volume;
     q.weightEsd = scale != 0 ? scaleEsd * q.weight / scale : 0.0;

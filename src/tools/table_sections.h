@@ -54,8 +54,9 @@ struct TableContext {
 
 // Phase parts: the returned weight and volume terms feed the quantitative analysis.
 struct PhaseQuantity {
-  float scale = 1;     // the phase's scale factor
-  bool known = false;  // the phase has PHMW
+  float scale = 1;         // the phase's scale factor
+  bool known = false;      // the phase has PHMW
+  bool massKnown = false;  // and its cell a mass: not when an atom's element is unknown
   double weight = 0, volume = 0, weightEsd = 0, volumeEsd = 0;
   float absorption = 0;
 };

@@ -30,6 +30,19 @@ TEST(ElementsTest, SymbolsMatchExactlyAndRoundTrip) {
   EXPECT_EQ(ElementSymbol(kUranium), "U ");
 }
 
+TEST(ElementsTest, NamesGiveTheElementOfTheirLetters) {
+  for (const char* iron : {"FE", "Fe2", "fe3+", " Fe", "FE1A"}) {
+    EXPECT_EQ(ElementNamed(iron), kIron) << '"' << iron << '"';
+  }
+  EXPECT_EQ(ElementNamed("O2-"), 8);
+  EXPECT_EQ(ElementNamed("OX"), 8);  // no element "Ox": the first letter
+  EXPECT_EQ(ElementNamed("OW"), kWaterOxygen);
+  EXPECT_EQ(ElementNamed("d "), kDeuterium);
+  for (const char* none : {"X1", "QQ", "1Fe", "", "  ", "+"}) {
+    EXPECT_EQ(ElementNamed(none), 0) << '"' << none << '"';
+  }
+}
+
 TEST(ElementsTest, OutOfRangeNumbersGiveNothing) {
   const ScatteringData zero{};
   for (int z : {-1, 0, kElementCount + 1, 1000}) {

@@ -7,60 +7,21 @@
 #include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include "crystal/symbol_tables.h"
-#include "support/test_files.h"
+#include "support/space_group_reference.h"
 #include "util/text.h"
 
 namespace kaldena {
 namespace {
 
-struct ReferenceSetting {
-  int number = 0;
-  std::string symbol;
-  int laueClass = 0;
-  int uniqueAxis = 0;
-  int centricCode = 0;
-  size_t order = 0;
-  std::vector<std::string> operators;
-};
-
-std::vector<std::string> Split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  std::stringstream in(text);
-  for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
-  return parts;
-}
-
-std::vector<ReferenceSetting> LoadReference() {
-  std::vector<ReferenceSetting> settings;
-  std::ifstream in(testing::TestData("crystal/space_groups.txt"));
-  for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    const std::vector<std::string> f = Split(line, '|');
-    ReferenceSetting s{std::stoi(f[0]), f[1],
-                       std::stoi(f[2]), std::stoi(f[3]),
-                       std::stoi(f[4]), static_cast<size_t>(std::stoul(f[5])),
-                       Split(f[6], ';')};
-    std::sort(s.operators.begin(), s.operators.end());
-    settings.push_back(s);
-  }
-  return settings;
-}
+using testing::CommonSettings;
+using testing::EveryNamedSetting;
+using testing::Expanded;
+using testing::ReferenceSetting;
 
 std::vector<std::string> OperatorTexts(const SpaceGroupInfo& info) {
-  std::vector<std::string> texts;
-  for (const SymmetryOperator& op : info.operators) texts.push_back(OperatorText(op));
-  std::sort(texts.begin(), texts.end());
-  return texts;
-}
-
-SpaceGroupInfo Expanded(std::string_view symbol) {
-  SpaceGroupInfo info;
-  EXPECT_EQ(ParseSpaceGroupSymbol(symbol, info), SymbolStatus::kOk) << symbol;
-  EXPECT_EQ(ExpandOperators(info), ExpandStatus::kOk) << symbol;
-  return info;
+  return testing::OperatorTexts(info.operators);
 }
 
 // Operators as whole twelfths, for exact composition modulo whole cells.
@@ -87,9 +48,11 @@ Op Compose(const Op& a, const Op& b) {
   return c;
 }
 
+// Every symbol that names a setting, among them the centred monoclinic settings whose named
+// glide the centring repeats as another glide a quarter cell away ("C 1 n 1", "I 1 1 b").
 TEST(SpaceGroup, EverySettingGivesItsGeneralPositions) {
-  const std::vector<ReferenceSetting> settings = LoadReference();
-  ASSERT_GE(settings.size(), 230u);
+  const std::vector<ReferenceSetting> settings = EveryNamedSetting();
+  ASSERT_GE(settings.size(), 510u);
   int failures = 0;
   for (const ReferenceSetting& ref : settings) {
     SpaceGroupInfo info;
@@ -110,7 +73,7 @@ TEST(SpaceGroup, EverySettingGivesItsGeneralPositions) {
 }
 
 TEST(SpaceGroup, OperatorSetsAreClosedGroups) {
-  for (const ReferenceSetting& ref : LoadReference()) {
+  for (const ReferenceSetting& ref : EveryNamedSetting()) {
     const SpaceGroupInfo info = Expanded(ref.symbol);
     std::vector<Op> ops;
     for (const SymmetryOperator& op : info.operators) ops.push_back(Twelfths(op));
@@ -128,12 +91,12 @@ TEST(SpaceGroup, OperatorSetsAreClosedGroups) {
 
 TEST(SpaceGroup, PrintedSymbolsReadAsTheirGroups) {
   std::map<std::string, std::vector<std::string>> bySymbol;
-  for (const ReferenceSetting& ref : LoadReference()) bySymbol[ref.symbol] = ref.operators;
+  for (const ReferenceSetting& ref : CommonSettings()) bySymbol[ref.symbol] = ref.operators;
   std::ifstream in(testing::TestData("crystal/printed_symbols.txt"));
   int rows = 0;
   for (std::string line; std::getline(in, line);) {
     if (line.empty() || line[0] == '#') continue;
-    const std::vector<std::string> f = Split(line, '|');
+    const std::vector<std::string> f = testing::SplitText(line, '|');
     ASSERT_TRUE(bySymbol.count(f[2])) << f[2];
     EXPECT_EQ(OperatorTexts(Expanded(ConvertPrintedSymbol(f[1]))), bySymbol[f[2]]) << f[1];
     ++rows;

@@ -84,6 +84,20 @@ TEST(ConvertPrintedSymbol, DropsBracketsAndSettingsTheReaderTakesAnyway) {
   EXPECT_EQ(ConvertPrintedSymbol("Fd-3m:2"), "F D -3 M");
 }
 
+// The reader gives origin choice 2; the import moves the coordinates of a file in origin
+// choice 1, which it tells from the symbol's text.
+TEST(PrintedOriginChoice, FromTheSettingOrTheWords) {
+  EXPECT_EQ(PrintedOriginChoice("F d -3 m:1"), 1);
+  EXPECT_EQ(PrintedOriginChoice("F d -3 m :1"), 1);
+  EXPECT_EQ(PrintedOriginChoice("Fd-3m:2"), 2);
+  EXPECT_EQ(PrintedOriginChoice("F d -3 m (Origin Choice 1)"), 1);
+  EXPECT_EQ(PrintedOriginChoice("P 4/n m m origin 2"), 2);
+  for (const char* none :
+       {"F d -3 m", "R -3 c:H", "P 21/c", "F d -3 m:", "", "P n n n (origin at 222)"}) {
+    EXPECT_EQ(PrintedOriginChoice(none), 0) << none;
+  }
+}
+
 TEST(ConvertPrintedSymbol, WritesEGlidesAsGlidesTheReaderKnows) {
   EXPECT_EQ(ConvertPrintedSymbol("Cmce"), "C M C A");
   EXPECT_EQ(ConvertPrintedSymbol("Cmme"), "C M M A");

@@ -3,21 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
 #include <sstream>
 
-#include "engine/cycles.h"
-#include "engine/engine_input.h"
 #include "engine/parameter_numbering.h"
 #include "engine/point_terms.h"
 #include "engine/reflection_terms.h"
-#include "engine/run_files.h"
-#include "support/test_files.h"
+#include "support/engine_project.h"
 
 namespace kaldena {
 namespace {
-
-namespace fs = std::filesystem;
 
 // An orthorhombic phase with atoms on general positions, one of them anisotropic, preferred
 // orientation, and nearly every kind of value refined.
@@ -71,20 +65,14 @@ std::string Project(int profile) {
   return text;
 }
 
-struct Model {
-  explicit Model(int profile) : store(reporter) {
-    std::ostringstream flat;
-    for (int i = 0; i <= 1600; ++i) flat << 17.0 + 0.02 * i << " 100\n";
-    scratch.Write("flat.xy", flat.str());
-    const fs::path project = scratch.Write("d.rec", Project(profile));
-    const fs::path old = fs::current_path();
-    fs::current_path(scratch.Path());
-    ok = SetUpRunFiles(project.string(), state, store, reporter) == RunFilesStatus::kOk &&
-         ReadEngineInput(state, store, reporter) == InputStatus::kOk && AssignSpans(state);
-    fs::current_path(old);
-    state.list.Close();
-    if (ok) PrepareCycles(state);
-  }
+std::string FlatPattern() {
+  std::ostringstream flat;
+  for (int i = 0; i <= 1600; ++i) flat << 17.0 + 0.02 * i << " 100\n";
+  return flat.str();
+}
+
+struct Model : testing::EngineProject {
+  explicit Model(int profile) : EngineProject(Project(profile), {{"flat.xy", FlatPattern()}}) {}
 
   // The whole pattern with background, and its derivatives, at the current values.
   std::vector<float> Pattern(std::vector<std::vector<float>>* derivatives) {
@@ -92,13 +80,10 @@ struct Model {
     SetBackground(state);
     std::vector<float> total;
     for (int i = 0; i < state.points.count; ++i) {
-      const int span = state.work.spans[i + 1];
-      const int first = span % kMaxReflections, last = span / kMaxReflections;
+      const SpanReflections span = ReflectionsOfSpan(state.work.spans[i]);
       PointValues v;
       std::vector<std::string> lines;
-      EXPECT_EQ(CalculatePoint(state, i, first == 0 ? 0 : first - 1, first == 0 ? -1 : last - 1,
-                               v, lines),
-                PointStatus::kOk);
+      EXPECT_EQ(CalculatePoint(state, i, span.first, span.last, v, lines), PointStatus::kOk);
       total.push_back(v.y + state.work.background[i]);
       if (derivatives) derivatives->push_back(v.dy);
     }
@@ -125,12 +110,6 @@ struct Model {
     for (const Refinable& r : state.globals.slots) look(r);
     return size;
   }
-
-  testing::ScratchDir scratch;
-  RecordingReporter reporter;
-  RecordStore store;
-  EngineState state;
-  bool ok = false;
 };
 
 // The rows leave some dependences out on purpose: the metric and the wavelength move the
@@ -153,7 +132,7 @@ class PatternDerivatives : public ::testing::TestWithParam<int> {};
 
 TEST_P(PatternDerivatives, AgreeWithCentralDifferences) {
   Model model(GetParam());
-  ASSERT_TRUE(model.ok) << testing::ReadBytes(model.scratch.Path() / "%d.out");
+  ASSERT_TRUE(model.ok) << model.ListFile();
   std::vector<std::vector<float>> analytic;
   model.Pattern(&analytic);
   for (int q = 1; q <= model.state.parameters; ++q) {

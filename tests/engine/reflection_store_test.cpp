@@ -58,11 +58,24 @@ TEST(PointSpans, SpansExclusionsAndFailures) {
   std::vector<int> spans;
   std::vector<std::string> list;
   ASSERT_EQ(AssignPointSpans(Peaks({12.0f, 12.1f, 18.5f}), in, spans, list), SpanStatus::kOk);
-  EXPECT_EQ(spans[1], 0);                         // 10.0: nothing reaches it
-  EXPECT_EQ(spans[20], 2 * kMaxReflections + 1);  // 11.9: both peaks
-  EXPECT_EQ(spans[23], 2 * kMaxReflections + 1);  // 12.2
-  EXPECT_EQ(spans[86], 1 * kMaxReflections + 0);  // 18.5, excluded
+  ASSERT_EQ(spans.size(), 101u);
+  EXPECT_EQ(spans[0], 0);                         // 10.0: nothing reaches it
+  EXPECT_EQ(spans[19], 2 * kMaxReflections + 1);  // 11.9: both peaks
+  EXPECT_EQ(spans[22], 2 * kMaxReflections + 1);  // 12.2
+  EXPECT_EQ(spans[85], 1 * kMaxReflections + 0);  // 18.5, excluded
   EXPECT_TRUE(list.empty());
+  const SpanReflections both = ReflectionsOfSpan(spans[19]);
+  EXPECT_EQ(both.first, 0);
+  EXPECT_EQ(both.last, 1);
+  EXPECT_FALSE(both.excluded);
+  EXPECT_TRUE(ReflectionsOfSpan(spans[85]).excluded);
+  EXPECT_GT(ReflectionsOfSpan(spans[0]).first, ReflectionsOfSpan(spans[0]).last);
+
+  // A region that begins behind the last point, as the engine's own above the stop value does,
+  // excludes nothing: the last point keeps the peak that reaches it.
+  in.excludedRegions = {{20.1f, 21.0f}};
+  ASSERT_EQ(AssignPointSpans(Peaks({19.9f}), in, spans, list), SpanStatus::kOk);
+  EXPECT_EQ(spans[100], 1 * kMaxReflections + 1);
 
   EXPECT_EQ(AssignPointSpans(Peaks({}), in, spans, list), SpanStatus::kFailed);
   EXPECT_EQ(list.back(), "NO REFLECTIONS FOUND");
@@ -73,14 +86,14 @@ TEST(PointSpans, SpansExclusionsAndFailures) {
   EXPECT_EQ(list.back(), " ASYMMETRY PARAMETER USAGE INVALID");
 }
 
-TEST(PointSpans, AtMost1024ReflectionsAtAPoint) {
+TEST(PointSpans, AtMostTheSpanCapacityAtAPoint) {
   PointSpanInput in{10.0f, 0.1f, 11, 2.0f, {}};
   std::vector<int> spans;
   std::vector<std::string> list;
-  EXPECT_EQ(AssignPointSpans(Peaks(std::vector<float>(1025, 10.5f)), in, spans, list),
-            SpanStatus::kOk);  // last - first is exactly 1024
-  EXPECT_EQ(AssignPointSpans(Peaks(std::vector<float>(1026, 10.5f)), in, spans, list),
-            SpanStatus::kFailed);
+  std::vector<float> positions(kMaxSpanReflections, 10.5f);
+  EXPECT_EQ(AssignPointSpans(Peaks(positions), in, spans, list), SpanStatus::kOk);
+  positions.push_back(10.5f);
+  EXPECT_EQ(AssignPointSpans(Peaks(positions), in, spans, list), SpanStatus::kFailed);
   EXPECT_EQ(list, std::vector<std::string>{" EXCESSIVE PEAK OVERLAP"});
 }
 

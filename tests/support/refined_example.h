@@ -6,8 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "engine/run_engine.h"
-#include "support/test_files.h"
+#include "support/engine_run.h"
 
 namespace kaldena::testing {
 
@@ -20,12 +19,7 @@ inline bool RefineExample(const ScratchDir& dir, std::string_view extraRecords =
   dir.Write("corundum.rec", ReadBytes(example / "corundum.rec") + std::string(extraRecords));
   fs::copy_file(example / "corundum.xy", dir.Path() / "corundum.xy",
                 fs::copy_options::overwrite_existing);
-  const fs::path old = fs::current_path();
-  fs::current_path(dir.Path());
-  RecordingReporter reporter;
-  const bool ok = RunEngine({"corundum.rec", false, nullptr}, reporter).status == 0;
-  fs::current_path(old);
-  return ok;
+  return RunEngineIn(dir, "corundum.rec");
 }
 
 }  // namespace kaldena::testing

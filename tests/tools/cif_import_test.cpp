@@ -8,7 +8,9 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
+#include "crystal/space_group_settings.h"
 #include "engine/run_engine.h"
 #include "store/record_catalogue.h"
 #include "support/test_files.h"
@@ -159,8 +161,8 @@ TEST(CifImport, ClassicLayoutGivesSymbolCellAndAtoms) {
   EXPECT_EQ(reporter.log, (Lines{"Thermal parameters not found"}));
   EXPECT_EQ(reporter.stages,
             (Lines{"ImportCIF started", "ImportCIF file ready", "ImportCIF cell ready",
-                   "ImportCIF atoms localized", "ImportCIF coordinates ready",
-                   "ImportCIF no aniso", "ImportCIF done"}));
+                   "ImportCIF atoms localized", "ImportCIF coordinates ready", "ImportCIF no aniso",
+                   "ImportCIF done"}));
 }
 
 TEST(CifImport, NewerNamesQuotedSymbolUisoWithEsdAndAnisoLoopByLabel) {
@@ -235,10 +237,9 @@ TEST(CifImport, MissingItemsGiveTheirMessagesAndDefaults) {
   EXPECT_EQ(phase.status, CifImportStatus::kOk);
   EXPECT_EQ(reporter.log,
             (Lines{"Spacegroup symbol not found", "bare.cif: no space group symbol, P 1 used",
-                   "Unit cell a not found", "Unit cell c not found",
-                   "Unit cell alpha not found", "Unit cell beta not found",
-                   "Unit cell gamma not found", "Atomic parameters not found",
-                   "Thermal parameters not found"}));
+                   "Unit cell a not found", "Unit cell c not found", "Unit cell alpha not found",
+                   "Unit cell beta not found", "Unit cell gamma not found",
+                   "Atomic parameters not found", "Thermal parameters not found"}));
   EXPECT_EQ(phase.spaceGroup, "P 1");
   EXPECT_EQ(phase.cell, (std::array<float, 6>{10, 7.5f, 10, 90, 90, 90}));
   EXPECT_TRUE(phase.atoms.empty());
@@ -289,6 +290,152 @@ TEST(CifImport, AtomLimitCountsTheAtomsOfEarlierPhases) {
   EXPECT_TRUE(Has(reporter.log, "many.cif:7: more than 500 atoms"));
 }
 
+// --- Settings: origin choice 1, Hall symbols and numbers -----------------------------------
+
+// An atom of the files in tests/data/tools/cif_import/settings where gemmi puts it in the
+// setting the import must give.
+struct ExpectedSite {
+  std::string file, setting, label;
+  std::array<float, 3> xyz;
+  int multiplicity;
+};
+
+std::vector<ExpectedSite> ExpectedSites() {
+  std::vector<ExpectedSite> sites;
+  std::ifstream in(Data("settings/expected_sites.txt"));
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    std::vector<std::string> f;
+    std::istringstream fields(line);
+    for (std::string part; std::getline(fields, part, '|');) f.push_back(part);
+    sites.push_back(
+        {f[0], f[1], f[2], {std::stof(f[3]), std::stof(f[4]), std::stof(f[5])}, std::stoi(f[6])});
+  }
+  return sites;
+}
+
+// One of the operators maps `a` onto `b`, modulo whole cells.
+bool SameSite(const SpaceGroupInfo& group, const std::array<float, 3>& a,
+              const std::array<float, 3>& b) {
+  for (const SymmetryOperator& op : group.operators) {
+    bool same = true;
+    for (int i = 0; i < 3; ++i) {
+      float image = op[4 * i + 3];
+      for (int j = 0; j < 3; ++j) image += op[4 * i + j] * a[j];
+      const float d = image - b[i];
+      same = same && std::fabs(d - std::round(d)) < 1e-4f;
+    }
+    if (same) return true;
+  }
+  return false;
+}
+
+// Spinel and a made-up Ce/O structure in F d -3 m origin choice 1 (told by the operators, by
+// ":1", " :1" and the words), litharge by its Hall symbol of origin choice 1, files with a
+// number only: every atom lands on its site of the setting, with its site factor.
+TEST(CifImportSettings, AtomsLandOnTheSitesOfTheSetting) {
+  const std::vector<ExpectedSite> sites = ExpectedSites();
+  ASSERT_EQ(sites.size(), 15u);
+  for (const ExpectedSite& site : sites) {
+    SCOPED_TRACE(site.file + " " + site.label);
+    RecordingReporter reporter;
+    const CifPhase phase = ImportCif(Data(("settings/" + site.file).c_str()), reporter);
+    ASSERT_EQ(phase.status, CifImportStatus::kOk);
+    SpaceGroupInfo group;
+    ASSERT_EQ(ParseSpaceGroupSymbol(phase.spaceGroup, group), SymbolStatus::kOk);
+    ASSERT_EQ(ExpandOperators(group), ExpandStatus::kOk);
+    const SpaceGroupSetting* setting = SettingOfOperators(group.operators);
+    ASSERT_NE(setting, nullptr) << phase.spaceGroup;
+    EXPECT_EQ(setting->printed, site.setting);
+    const CifAtom* atom = AtomOf(phase, site.label);
+    ASSERT_NE(atom, nullptr);
+    const std::array<float, 3> xyz{atom->values[0], atom->values[1], atom->values[2]};
+    EXPECT_TRUE(SameSite(group, xyz, site.xyz))
+        << xyz[0] << " " << xyz[1] << " " << xyz[2] << " for " << site.xyz[0];
+    EXPECT_EQ(atom->siteFactor * site.multiplicity, static_cast<int>(group.operators.size()));
+    for (float c : xyz) {
+      EXPECT_GE(c, 0.0f);
+      EXPECT_LT(c, 1.0f);
+    }
+  }
+}
+
+TEST(CifImportSettings, MessagesTellWhatStoodInForTheSymbolAndTheMove) {
+  RecordingReporter reporter;
+  ImportCif(Data("settings/spinel_operators.cif"), reporter);
+  EXPECT_TRUE(Has(reporter.log,
+                  "spinel_operators.cif:9: origin choice 1 (F d -3 m:1), "
+                  "coordinates moved by -0.1250 -0.1250 -0.1250"));
+  reporter.Clear();
+  const std::string number = Data("settings/spinel_number.cif");
+  ImportCif(number, reporter);
+  EXPECT_EQ(Lines(reporter.log.begin(), reporter.log.begin() + 3),
+            (Lines{"Spacegroup symbol not found", number + ": no space group symbol",
+                   number + ":2: _space_group_IT_number read as F d -3 m:2"}));
+  reporter.Clear();
+  const CifPhase monoclinic = ImportCif(Data("settings/monoclinic_number.cif"), reporter);
+  EXPECT_EQ(monoclinic.spaceGroup, "P 1 21/N 1");
+  EXPECT_TRUE(Has(reporter.log,
+                  "monoclinic_number.cif:9: the symmetry operators are those of "
+                  "P 1 21/n 1, which is used"));
+
+  // Operators of the symbol's origin choice 2 win over a ":1"; operators of another group
+  // leave the symbol as it is; an operator that does not read leaves the operators aside.
+  const std::string head =
+      "_symmetry_space_group_name_H-M 'P n -3 :1'\nloop_\n_symmetry_equiv_pos_as_xyz\n";
+  const std::string atoms = "\nloop_\n_atom_site_label\n_atom_site_fract_x\nC1 0.1\n";
+  std::string centric;
+  SpaceGroupInfo pn3;
+  ASSERT_EQ(ParseSpaceGroupSymbol("P N 3", pn3), SymbolStatus::kOk);
+  ASSERT_EQ(ExpandOperators(pn3), ExpandStatus::kOk);
+  for (const SymmetryOperator& op : pn3.operators) centric += OperatorText(op) + "\n";
+  reporter.Clear();
+  CifPhase phase = ImportCifText("two.cif", head + centric + atoms, reporter);
+  EXPECT_EQ(phase.spaceGroup, "P N -3");
+  EXPECT_FLOAT_EQ(phase.atoms.at(0).values[0], 0.1f);
+  EXPECT_FALSE(Has(reporter.log, "origin choice 1"));
+  reporter.Clear();
+  phase = ImportCifText("other.cif", head + "x,y,z\n-x,-y,-z\n" + atoms, reporter);
+  EXPECT_EQ(phase.spaceGroup, "P N -3");
+  EXPECT_TRUE(Has(reporter.log,
+                  "other.cif:2: the symmetry operators are not those of P N -3, "
+                  "the symbol's are used"));
+  // The symbol's ":1" stands: P n -3 in origin choice 1 moves by 1/4 along each axis.
+  EXPECT_FLOAT_EQ(phase.atoms.at(0).values[0], 0.35f);
+  reporter.Clear();
+  phase = ImportCifText("bad.cif", head + "x,y,z\nq,r,s\n" + atoms, reporter);
+  EXPECT_TRUE(Has(reporter.log, "bad.cif:5: symmetry operator 'q,r,s' is not read"));
+  EXPECT_FLOAT_EQ(phase.atoms.at(0).values[0], 0.35f);
+}
+
+// Many files list the operators of one lattice point only: origin choice 1 is told all the
+// same.
+TEST(CifImportSettings, OperatorsOfOneLatticePointTellTheOriginToo) {
+  SpaceGroupInfo group;
+  ASSERT_EQ(ParseSpaceGroupSymbol("F D 3 M", group), SymbolStatus::kOk);
+  ASSERT_EQ(ExpandOperators(group), ExpandStatus::kOk);
+  const SpaceGroupSetting* first = OriginChoiceOne(*SettingOfOperators(group.operators));
+  ASSERT_NE(first, nullptr);
+  std::string text =
+      "_symmetry_space_group_name_H-M 'F d -3 m'\nloop_\n"
+      "_symmetry_equiv_pos_as_xyz\n";
+  std::vector<std::string> rotations;
+  for (const SymmetryOperator& op : InOriginChoiceOne(group.operators, *first)) {
+    const std::string rotation =
+        OperatorText({op[0], op[1], op[2], 0, op[4], op[5], op[6], 0, op[8], op[9], op[10], 0});
+    if (std::find(rotations.begin(), rotations.end(), rotation) != rotations.end()) continue;
+    rotations.push_back(rotation);
+    text += OperatorText(op) + "\n";
+  }
+  ASSERT_EQ(rotations.size(), 48u);
+  text += "\nloop_\n_atom_site_label\n_atom_site_fract_x\nCe1 0\n";
+  RecordingReporter reporter;
+  const CifPhase phase = ImportCifText("lattice.cif", text, reporter);
+  EXPECT_TRUE(Has(reporter.log, "lattice.cif:2: origin choice 1 (F d -3 m:1)"));
+  EXPECT_FLOAT_EQ(phase.atoms.at(0).values[0], 0.875f);
+  EXPECT_FALSE(Has(reporter.log, "not those of"));
+}
+
 // --- Records and a run ----------------------------------------------------------------------
 
 TEST(CifImport, RecordsOfThePhaseInTheirLayouts) {
@@ -320,8 +467,7 @@ TEST(CifImport, RecordsOfThePhaseInTheirLayouts) {
 std::string CalculationProject(const CifPhase& phase) {
   std::string text = "TITL      UNTITLED\n";
   auto add = [&](const Record& r) { text += std::string(Trimmed(r)) + "\n"; };
-  add(MakeRecord("JOBT", "(8i5)", 2, 4, 1, -1, 0, static_cast<int>(phase.elements.size()), 0,
-                 1));
+  add(MakeRecord("JOBT", "(8i5)", 2, 4, 1, -1, 0, static_cast<int>(phase.elements.size()), 0, 1));
   add(MakeRecord("ELAM", "(3f10.6)", 1.54051f, 1.54433f, 0.5f));
   add(MakeRecord("RLIM", "(8f10.5)", 10.0f, 0.9f, 0.0f, 40.0f, 0.0f, 0.0f, 0.0f, 0.0f));
   add(MakeRecord("RELX", "(i5,5f5.2,3f10.5)", 6, 0.3f, 1.0f, 1.0f, 1.0f, 1.0f, 10.0f, 0.02f,
@@ -364,8 +510,8 @@ TEST(CifImport, ImportedPhasesRunAsACalculation) {
   // The bare file still gives a project: P 1, the default cell and no atom would leave
   // nothing to calculate, so one atom line stands in the CIF.
   RecordingReporter reporter;
-  const CifPhase bare = ImportCifText(
-      "bare.cif", "loop_\n_atom_site_label\n_atom_site_fract_x\nC1 0.1\n", reporter);
+  const CifPhase bare =
+      ImportCifText("bare.cif", "loop_\n_atom_site_label\n_atom_site_fract_x\nC1 0.1\n", reporter);
   std::string list;
   EXPECT_EQ(RunCalculation(bare, list), 0) << list;
 }

@@ -112,6 +112,31 @@ class RefinedCorundum : public ::testing::Test {
     return dir.Write(name, text).string();
   }
 
+  // The project with its SPGR line naming `symbol`.
+  std::string WithSymbol(const std::string& symbol, const std::string& name) {
+    std::string text = ReadBytes(project);
+    const size_t at = text.find("\nSPGR") + 1;
+    text.replace(at, text.find('\n', at) - at, "SPGR      " + symbol);
+    return dir.Write(name, text).string();
+  }
+
+  // Two phases: a second of the same title, cell and atoms, in the group of `symbol`. The
+  // lines of each per-phase key are appended, which is where the store looks for the second.
+  std::string TwoPhases(const std::string& symbol, const std::string& name) {
+    std::string text = ReadBytes(project);
+    const size_t job = text.find("JOBT");
+    text.replace(job + 10, 15, "    0    4    2");
+    std::string extra;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+      if (line.rfind("SPGR", 0) == 0) line = "SPGR      " + symbol;
+      for (const char* key : {"PHTI", "PHNA", "SPGR", "CELL", "XYZ "}) {
+        if (line.rfind(key, 0) == 0) extra += line + "\n";
+      }
+    }
+    return dir.Write(name, text + extra).string();
+  }
+
   testing::ScratchDir dir;
   bool ok = false;
   std::string project;
@@ -156,18 +181,21 @@ TEST_F(RefinedCorundum, RawReportMatchesItsGoldenFileWithARowPerSummaryPoint) {
   EXPECT_EQ(last, points);
 }
 
-// A Python interpreter that has gemmi (the system's, then the first on the path), or empty.
-std::string Gemmi() {
+// A Python interpreter that imports `modules` (the system's, then the first on the path), or
+// empty.
+std::string Python(const std::string& modules) {
   for (const char* python : {"/usr/bin/python3", "python3"}) {
-    const std::string probe = std::string(python) + " -c 'import gemmi' >/dev/null 2>&1";
+    const std::string probe = std::string(python) + " -c 'import " + modules + "' >/dev/null 2>&1";
     if (std::system(probe.c_str()) == 0) return python;
   }
   return {};
 }
 
-// Runs a Python script on a file and returns what it prints.
-std::string RunPython(const fs::path& script, const std::string& file) {
-  const std::string command = Gemmi() + " '" + script.string() + "' '" + file + "' 2>&1";
+std::string Gemmi() { return Python("gemmi"); }
+
+// Runs a Python script with its arguments and returns what it prints.
+std::string RunPython(const std::string& python, const std::string& scriptAndArguments) {
+  const std::string command = python + " " + scriptAndArguments + " 2>&1";
   std::string output;
   if (FILE* pipe = popen(command.c_str(), "r")) {
     char buffer[4096];
@@ -175,6 +203,10 @@ std::string RunPython(const fs::path& script, const std::string& file) {
     pclose(pipe);
   }
   return output;
+}
+
+std::string RunPython(const fs::path& script, const std::string& file) {
+  return RunPython(Gemmi(), "'" + script.string() + "' '" + file + "'");
 }
 
 // gemmi reads the CIF and reports what it found as "key value" lines; the symmetry
@@ -392,31 +424,81 @@ TEST_F(RefinedCorundum, FailuresAreToldAndKeepWhatWasWritten) {
 
 TEST_F(RefinedCorundum, TwoPhasesGetBlocksOfTheirOwnAndHeadedGeometry) {
   ASSERT_TRUE(ok);
-  // A second phase of the same title, cell and atoms: the lines of each per-phase key are
-  // appended, which is where the store looks for the second phase.
-  std::string text = ReadBytes(project);
-  const size_t job = text.find("JOBT");
-  text.replace(job + 10, 15, "    0    4    2");
-  std::string extra;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) {
-    for (const char* key : {"PHTI", "PHNA", "SPGR", "CELL", "XYZ "}) {
-      if (line.rfind(key, 0) == 0) extra += line + "\n";
-    }
-  }
-  const std::string two = dir.Write("two.par", text + extra).string();
+  const std::string two = TwoPhases("R -3 C", "two.par");
   RecordingReporter reporter;
   const std::string cif = (dir.Path() / "two.cif").string();
   ASSERT_EQ(WriteCif(two, cif, reporter, kDate), CifStatus::kOk);
   const std::string out = ReadBytes(cif);
   EXPECT_NE(out.find("\ndata_Corundum\n"), std::string::npos);
   EXPECT_NE(out.find("\ndata_Corundum_2\n"), std::string::npos);
-  const size_t first = out.find("   * PHASE NO.  1: Corundum *");
-  const size_t second = out.find("   * PHASE NO.  2: Corundum *");
+  // The headings are comments, so that the file stays CIF.
+  const size_t first = out.find("\n#  * PHASE NO.  1: Corundum *\n");
+  const size_t second = out.find("\n#  * PHASE NO.  2: Corundum *\n");
   ASSERT_NE(first, std::string::npos);
   ASSERT_NE(second, std::string::npos);
   EXPECT_LT(out.find("_geom_angle_publ_flag", first), second);
   EXPECT_NE(out.find("_geom_angle_publ_flag", second), std::string::npos);
+}
+
+// The symmetry items name the setting of the operators: a group of two origins with ":2",
+// which is the origin of the operators; "?" where no setting of the tables has them.
+TEST_F(RefinedCorundum, SymmetryItemsNameTheSettingOfTheOperators) {
+  ASSERT_TRUE(ok);
+  RecordingReporter reporter;
+  const std::string cif = (dir.Path() / "fd3m.cif").string();
+  ASSERT_EQ(WriteCif(WithSymbol("F D 3 M", "fd3m.par"), cif, reporter, kDate), CifStatus::kOk);
+  const std::string out = ReadBytes(cif);
+  EXPECT_NE(out.find("_symmetry_space_group_name_H-M     'F D 3 M'\n"
+                     "_symmetry_int_tables_number        227\n"
+                     "_symmetry_space_group_name_Hall    '-F 4vw 2vw 3'\n"
+                     "_space_group_IT_number             227\n"
+                     "_space_group_name_H-M_alt          'F d -3 m:2'\n"
+                     "_space_group_name_Hall             '-F 4vw 2vw 3'\n"),
+            std::string::npos)
+      << out;
+  ASSERT_EQ(WriteCif(WithSymbol("C -1", "c1.par"), cif, reporter, kDate), CifStatus::kOk);
+  EXPECT_NE(ReadBytes(cif).find("_symmetry_int_tables_number        ?\n"
+                                "_symmetry_space_group_name_Hall    ?\n"
+                                "_space_group_IT_number             ?\n"
+                                "_space_group_name_H-M_alt          ?\n"
+                                "_space_group_name_Hall             ?\n"),
+            std::string::npos);
+}
+
+// Every CIF the tools write reads in gemmi and PyCifRW, and gemmi's group of the printed
+// symbol, of the Hall symbol and of the number is the group of the operators in the file:
+// the refined project, the same in other settings, two phases, and the raw data report.
+TEST_F(RefinedCorundum, WrittenCifsReadInOtherProgramsAsTheirGroups) {
+  ASSERT_TRUE(ok);
+  const std::string python = Python("gemmi, CifFile");
+  if (python.empty()) GTEST_SKIP() << "python3 with gemmi and PyCifRW is not installed";
+  RecordingReporter reporter;
+  std::vector<std::string> files = {StartCif(project, reporter, kDate)};
+  const char* symbols[] = {"P 21/C",   "C 1 N 1",    "P M -3 M",   "F D 3 M",
+                           "P N N N",  "C C C B",    "I 41/A M D", "P 4/N M M",
+                           "R -3 C R", "P 63/M M C", "P -4 21 C"};
+  for (const std::string symbol : symbols) {
+    const std::string name = "setting" + std::to_string(files.size());
+    files.push_back((dir.Path() / (name + ".cif")).string());
+    ASSERT_EQ(WriteCif(WithSymbol(symbol, name + ".par"), files.back(), reporter, kDate),
+              CifStatus::kOk);
+  }
+  files.push_back((dir.Path() / "two.cif").string());
+  ASSERT_EQ(WriteCif(TwoPhases("F D 3 M", "two.par"), files.back(), reporter, kDate),
+            CifStatus::kOk);
+  files.push_back(RawReportFileName(project));
+  ASSERT_EQ(WriteRawReport(project, files.back(), reporter), RawReportStatus::kOk);
+
+  std::string arguments;
+  for (const std::string& file : files) arguments += " '" + file + "'";
+  std::istringstream output(
+      RunPython(python, testing::TestData("../tools/check_written_cif.py").string() + arguments));
+  for (const std::string& file : files) {
+    std::string line;
+    std::getline(output, line);
+    const std::string blocks = file.ends_with(".rcf") ? "1" : file.ends_with("two.cif") ? "3" : "2";
+    EXPECT_EQ(line, "ok " + file + " " + blocks);
+  }
 }
 
 }  // namespace
