@@ -12,8 +12,8 @@
 #include "tools/cif_text.h"
 #include "util/column_format.h"
 #include "util/file_names.h"
-#include "util/text.h"
 #include "util/temporary_file.h"
+#include "util/text.h"
 
 namespace kaldena {
 

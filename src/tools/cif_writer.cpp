@@ -10,8 +10,8 @@
 #include "tools/cif_writer_sections.h"
 #include "util/date_text.h"
 #include "util/file_names.h"
-#include "util/text.h"
 #include "util/temporary_file.h"
+#include "util/text.h"
 
 namespace kaldena {
 

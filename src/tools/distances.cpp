@@ -10,8 +10,8 @@
 #include "util/date_text.h"
 #include "util/file_names.h"
 #include "util/limits.h"
-#include "util/text.h"
 #include "util/temporary_file.h"
+#include "util/text.h"
 
 namespace kaldena {
 

@@ -12,8 +12,8 @@
 #include "tools/fourier_peaks.h"
 #include "util/cell.h"
 #include "util/file_names.h"
-#include "util/text.h"
 #include "util/temporary_file.h"
+#include "util/text.h"
 
 namespace kaldena {
 

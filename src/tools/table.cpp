@@ -7,8 +7,8 @@
 #include "store/record_catalogue.h"
 #include "tools/table_sections.h"
 #include "util/file_names.h"
-#include "util/text.h"
 #include "util/temporary_file.h"
+#include "util/text.h"
 
 namespace kaldena {
 

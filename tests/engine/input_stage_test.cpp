@@ -1,7 +1,5 @@
 // The input stage on whole projects: the list file's head for four kinds of run (golden
 // files), the failures of missing and unreadable records, and what each job type reads.
-#include "engine/engine_input.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -9,6 +7,7 @@
 #include <tuple>
 #include <vector>
 
+#include "engine/engine_input.h"
 #include "engine/run_files.h"
 #include "support/test_files.h"
 #include "util/text.h"
