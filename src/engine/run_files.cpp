@@ -37,8 +37,8 @@ std::string RecordFileName(RecordStore& store, std::string_view key, const std::
 }
 
 // An output file name: the record's, else "%" + base + extension, in the project's folder or
-// below it. A record that would write outside the project's folder is
-// refused: a project from elsewhere must not overwrite the user's files. Empty then.
+// below it. A record that would write outside the folder is refused (empty result): a project
+// from elsewhere must not overwrite the user's files.
 std::string OutputFileName(RecordStore& store, std::string_view key, const EngineState& state,
                            std::string_view extension, Reporter& reporter) {
   std::string name = FindText(store, key, "");
