@@ -13,6 +13,15 @@ function(kaldena_test layer name)
   add_test(NAME ${layer}.${name} COMMAND ${target})
   set_tests_properties(${layer}.${name} PROPERTIES
     ENVIRONMENT "KALDENA_TEST_DATA=${PROJECT_SOURCE_DIR}/tests/data;KALDENA_SHARED=${PROJECT_SOURCE_DIR}/../shared")
+  kaldena_test_scratch(${layer}.${name})
+endfunction()
+
+# Tests write their scratch files under a directory of the build, which must be empty again
+# when the last of them has run: a test that leaves files behind fails tests.scratch_left_empty.
+set(KALDENA_TEST_TMPDIR ${CMAKE_BINARY_DIR}/test-tmp)
+function(kaldena_test_scratch test)
+  set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT "TMPDIR=${KALDENA_TEST_TMPDIR}")
+  set_property(TEST ${test} APPEND PROPERTY FIXTURES_REQUIRED test_scratch)
 endfunction()
 
 # kaldena_require_no_qt(targets...): fails the configuration when any of the targets links Qt,

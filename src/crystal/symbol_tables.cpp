@@ -270,12 +270,15 @@ std::string Written(char lattice, std::vector<Field> fields, bool rhombohedralAx
   return result;
 }
 
+// One pass over the text: a long symbol is joined in linear time.
 std::string JoinedWords(std::string_view text) {
-  std::string result = SplitWords(text, 1);
-  for (int n = 2;; ++n) {
-    const std::string word = SplitWords(text, n);
-    if (word.empty()) return result;
-    result += ' ' + word;
+  std::string result;
+  for (std::size_t end = 0;;) {
+    const std::size_t start = text.find_first_not_of(' ', end);
+    if (start == std::string_view::npos) return result;
+    end = std::min(text.find(' ', start), text.size());
+    if (!result.empty()) result += ' ';
+    result += text.substr(start, end - start);
   }
 }
 

@@ -123,7 +123,7 @@ void WriteTableHead(ListFile& list, bool voigt) {
 
 // Reflection table, Fourier lines and Bragg R of one phase; returns the reflections listed.
 int WritePhase(EngineState& state, Reporter& reporter, int p, const PhaseTable& table,
-               const OutputRange& range, std::ofstream& fourier, bool& observedHigh,
+               const OutputRange& range, PendingFile& fourier, bool& observedHigh,
                bool& calculatedHigh) {
   ListFile& list = state.list;
   const ReflectionStore& store = state.reflections;
@@ -205,9 +205,9 @@ std::vector<long long> PhaseCodes(const EngineState& state, const OutputRange& r
   return codes;
 }
 
-bool WriteSummary(EngineState& state, Reporter& reporter, const OutputRange& range) {
-  std::ofstream out(state.files.summary, std::ios::binary | std::ios::trunc);
-  if (!out) {
+bool WriteSummary(EngineState& state, Reporter& reporter, const OutputRange& range,
+                  PendingFile& out) {
+  if (!out.is_open()) {
     state.list.Line(" Error opening pattern summary file");
     return false;
   }
@@ -254,12 +254,12 @@ bool WriteSummary(EngineState& state, Reporter& reporter, const OutputRange& ran
 
 // The crystalline fraction within the limits of CRYS, from the summary just written, and
 // the record with its new results.
-void ListCrystallinity(EngineState& state) {
+void ListCrystallinity(EngineState& state, const std::string& summaryFile) {
   RunControls& c = state.controls;
   CrystallinityLimits limits{c.crystallinity[0], c.crystallinity[1], {}, c.wavelengths[0]};
   limits.excludedRegions.assign(c.excludedRegions.begin(),
                                 c.excludedRegions.end() - (c.excludedRegions.empty() ? 0 : 1));
-  const Crystallinity k = CalculateCrystallinity(state.files.summary, limits);
+  const Crystallinity k = CalculateCrystallinity(summaryFile, limits);
   if (k.status != CrystallinityStatus::kOk) return;
   c.crystallinity[2] = k.sWeighted;
   c.crystallinity[3] = k.unweighted;
@@ -277,7 +277,7 @@ void ListCrystallinity(EngineState& state) {
 OutputStatus WriteEngineOutput(EngineState& state, Reporter& reporter) {
   const OutputRange range = Range(state);
   ListCorrelations(state);
-  std::ofstream fourier(state.files.fourier, std::ios::binary | std::ios::trunc);
+  PendingFile fourier(state.files.fourier);
   const bool fourierOpen = fourier.is_open();
   if (!fourierOpen) state.list.Line(" Error opening Fourier file");
   bool observedHigh = false, calculatedHigh = false;
@@ -287,7 +287,6 @@ OutputStatus WriteEngineOutput(EngineState& state, Reporter& reporter) {
                calculatedHigh);
   }
   if (fourier.is_open()) fourier << Format("(4i4)", 999, 0, 0, 0);
-  fourier.close();
   const CycleSummary& s = state.summary;
   const RunControls& c = state.controls;
   state.resultRecords.push_back(MakeRecord("CIF1", WriteLayout("CIF1"), s.rp, s.rwp,
@@ -295,12 +294,28 @@ OutputStatus WriteEngineOutput(EngineState& state, Reporter& reporter) {
   state.resultRecords.push_back(MakeRecord("CIF2", WriteLayout("CIF2"), range.start, range.stop,
                                            range.step, range.start - range.correction,
                                            range.stop - range.correction, range.step));
-  const bool summary = WriteSummary(state, reporter, range);
-  if (summary && c.crystallinity != std::array<float, 4>{}) ListCrystallinity(state);
+  PendingFile summaryFile(state.files.summary);
+  const bool summary = WriteSummary(state, reporter, range, summaryFile);
+  summaryFile.flush();
+  if (summary && c.crystallinity != std::array<float, 4>{}) {
+    ListCrystallinity(state, summaryFile.Name());
+  }
+  state.outputs.push_back(std::move(summaryFile));
+  state.outputs.push_back(std::move(fourier));
   if (IsRefinement(c) && state.parameters > 0) {
     WriteResultRecords(state.temporary.Name(), state.resultRecords);
   }
   return summary && fourierOpen ? OutputStatus::kOk : OutputStatus::kFailed;
+}
+
+bool PublishEngineOutputs(EngineState& state, Reporter& reporter) {
+  for (PendingFile& file : state.outputs) {
+    if (!file.Publish()) {
+      reporter.LogLine("Error updating " + file.Target());
+      return false;
+    }
+  }
+  return true;
 }
 
 }  // namespace kaldena

@@ -251,6 +251,8 @@ struct EngineState {
   // The run's own copy of the project, beside the output parameter file, that the result
   // records are written into and that replaces the parameter file at the end of a refinement.
   TemporaryFile temporary;
+  // The summary and Fourier files as written, put in their places when the run succeeds.
+  std::vector<PendingFile> outputs;
   int backgroundFileMarker = 0;  // 12 when a background file is named
   ListFile list;
 

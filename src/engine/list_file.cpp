@@ -2,14 +2,9 @@
 
 namespace kaldena {
 
-bool ListFile::Open(const std::string& path) {
-  file_.open(path, std::ios::out | std::ios::trunc | std::ios::binary);
-  return file_.is_open();
-}
+bool ListFile::Open(const std::string& path) { return file_.Open(path); }
 
-void ListFile::Close() {
-  if (file_.is_open()) file_.close();
-}
+void ListFile::Close() { file_.Publish(); }
 
 void ListFile::Line(std::string_view text) {
   Text(text);

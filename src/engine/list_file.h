@@ -1,18 +1,27 @@
 // The list file of a run: the engine's running account, line by line. Lines are kept in
-// memory as well, so that tests and the caller can read what was written.
+// memory as well, so that tests and the caller can read what was written. The file takes the
+// place of the old one when it is closed, so a killed run leaves the old list.
 #pragma once
 
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "util/temporary_file.h"
 
 namespace kaldena {
 
 class ListFile {
  public:
+  ListFile() = default;
+  // Whatever ends a run, its list file stands: one still open is put in place.
+  ~ListFile() { Close(); }
+  ListFile(ListFile&&) = default;
+  ListFile& operator=(ListFile&&) = default;
+
   // Also writes to a file from now on; false when it cannot be created.
   bool Open(const std::string& path);
+  // Puts the file written so far in its place.
   void Close();
   // Keeps the lines in memory only, as an open list file would take them (a check of a
   // project writes no file).
@@ -36,7 +45,7 @@ class ListFile {
  private:
   void Write(std::string_view text);
 
-  std::ofstream file_;
+  PendingFile file_;
   std::vector<std::string> lines_;
   bool lastOpen_ = false;
   bool inMemory_ = false;

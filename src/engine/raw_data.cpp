@@ -66,7 +66,11 @@ bool ReadFile(const Family& family, const std::string& path, std::string_view op
     context.reporter.ShowMessage("Error", std::string(openText) + ": " + path);
     return false;
   }
-  return family.read(file, context, series);
+  const bool read = family.read(file, context, series);
+  if (!file.Overlong()) return read;
+  return context.Fail(" Error reading " + std::string(Trimmed(path)) + ", line " +
+                      std::to_string(file.LineNumber()) + ": no line end within " +
+                      std::to_string(raw::LineReader::kMaxTextLength) + " characters");
 }
 
 void Shorten(RawPattern& pattern, int points) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/list_file.h"
+#include "util/limits.h"
 #include "util/report.h"
 
 namespace kaldena::raw {
@@ -42,21 +43,28 @@ struct ReadContext {
   bool NoPoints(std::string_view family) const;
 };
 
-// Lines of a text file without their ends ("\n", "\r\n" or a lone "\r"), of any length; a
-// byte-order mark in front of the first line is dropped.
+// Lines of a text file without their ends ("\n", "\r\n" or a lone "\r"); a byte-order mark in
+// front of the first line is dropped. A line, or the rest of the file, is read up to
+// kMaxTextLength characters: more than any line of the point capacity needs, so that a file
+// without line ends (a device, a binary file) ends the reading with bounded memory.
 class LineReader {
  public:
+  static constexpr std::size_t kMaxTextLength = std::size_t{kMaxPoints} * 256;
+
   explicit LineReader(const std::filesystem::path& path);
   bool IsOpen() const { return in_.is_open(); }
-  // False at the end of the file.
+  // False at the end of the file, or at a line longer than kMaxTextLength.
   bool Next(std::string& line);
-  // Everything not yet read, as one text.
+  // Everything not yet read, as one text; empty when it is longer than kMaxTextLength.
   std::string Rest();
   int LineNumber() const { return number_; }
+  // Whether the reading stopped at text longer than kMaxTextLength.
+  bool Overlong() const { return overlong_; }
 
  private:
   std::ifstream in_;
   int number_ = 0;
+  bool overlong_ = false;
 };
 
 // Blanks and tabs only.

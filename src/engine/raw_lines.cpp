@@ -1,7 +1,6 @@
 // The line source and number helpers that all raw data readers share.
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <string>
 
 #include "engine/raw_formats.h"
@@ -79,16 +78,27 @@ bool LineReader::Next(std::string& line) {
   int c = buffer.sbumpc();
   if (c == Traits::eof()) return false;
   line.clear();
+  ++number_;
   for (; c != Traits::eof() && c != '\n' && c != '\r'; c = buffer.sbumpc()) {
+    if (line.size() == kMaxTextLength) {
+      overlong_ = true;
+      return false;
+    }
     line.push_back(Traits::to_char_type(c));
   }
   if (c == '\r' && buffer.sgetc() == '\n') buffer.sbumpc();
-  if (++number_ == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
+  if (number_ == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
   return true;
 }
 
 std::string LineReader::Rest() {
-  std::string text{std::istreambuf_iterator<char>(in_), std::istreambuf_iterator<char>()};
+  std::string text(kMaxTextLength + 1, '\0');
+  text.resize(static_cast<std::size_t>(in_.rdbuf()->sgetn(text.data(), text.size())));
+  if (text.size() > kMaxTextLength) {
+    overlong_ = true;
+    ++number_;  // the line where the long text begins
+    return {};
+  }
   if (number_ == 0 && text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
   return text;
 }

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cmath>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
 #include <vector>
 
@@ -16,6 +15,7 @@
 #include "store/record_store.h"
 #include "util/column_format.h"
 #include "util/file_names.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -30,12 +30,6 @@ int ClockSeconds() {
   std::tm local{};
   localtime_r(&now, &local);
   return local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
-}
-
-bool CopyOver(const std::string& from, const std::string& to) {
-  std::error_code error;
-  std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing, error);
-  return !error;
 }
 
 void DebugWord(bool debug, Reporter& reporter, std::string_view word) {
@@ -167,6 +161,11 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
     summary.reason = "Error updating output parameter file";
     return run;
   }
+  if (!PublishEngineOutputs(state, reporter)) {
+    summary.outcome = RunOutcome::kFailed;
+    summary.failedStage = "update";
+    return run;
+  }
   run.ok = true;
   return run;
 }
@@ -209,6 +208,14 @@ bool NextName(std::istream& batch, std::string& name) {
   return true;
 }
 
+// A project that a batch file names is written (record lines, a chain's copies, the update of
+// all); one outside the batch's folder is refused, as a project's own output names are.
+bool RefusedProject(const std::string& name, Reporter& reporter) {
+  if (!LeavesFolder(name)) return false;
+  reporter.LogLine("Batch file names a project outside its folder: " + name);
+  return true;
+}
+
 std::string DefaultParameterFile(const std::string& project) {
   return ReplaceDirectory(DirectoryOf(project), "%" + BaseNameOf(project) + ".par");
 }
@@ -221,7 +228,7 @@ void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
   while (NextName(batch, name)) {
     // In an edits batch the record lines are read as names too; their copies fail.
     (void)mode;
-    if (CopyOver(DefaultParameterFile(name), name)) {
+    if (!RefusedProject(name, reporter) && CopyFileWhole(DefaultParameterFile(name), name)) {
       reporter.LogLine(name + " updated");
       result.currentProject = name;
     } else {
@@ -253,6 +260,10 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
   for (;;) {
     if (mode != BatchMode::kChain && !NextName(batch, project)) break;
     if (mode != BatchMode::kList) {
+      if (RefusedProject(project, reporter)) {
+        result.status = 1;
+        return result;
+      }
       const std::vector<std::string> lines = ReadRecordLines(batch);
       if (!lines.empty()) ApplyRecordLines(project, lines, reporter);
     }
@@ -263,7 +274,7 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
       return result;
     }
     if (mode != BatchMode::kChain) continue;
-    if (CopyOver(run.parameterFile, project)) {
+    if (CopyFileWhole(run.parameterFile, project)) {
       reporter.LogLine(project + " updated");
       result.currentProject = project;
     } else {
@@ -271,7 +282,11 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
     }
     std::string next;
     if (!NextName(batch, next)) break;
-    if (!CopyOver(run.parameterFile, next)) reporter.LogLine("Error copying rec file");
+    if (RefusedProject(next, reporter)) {
+      result.status = 1;
+      return result;
+    }
+    if (!CopyFileWhole(run.parameterFile, next)) reporter.LogLine("Error copying rec file");
     project = next;
   }
   batch.close();

@@ -36,19 +36,36 @@ std::string RecordFileName(RecordStore& store, std::string_view key, const std::
   return name.empty() ? name : ReplaceDirectory(directory, name);
 }
 
-// An output file name: the record's, else "%" + base + extension; beside the project unless
-// it has a directory of its own.
+// An output file name: the record's, else "%" + base + extension, in the project's folder or
+// below it. A record that would write outside the folder is refused (empty result): a project
+// from elsewhere must not overwrite the user's files.
 std::string OutputFileName(RecordStore& store, std::string_view key, const EngineState& state,
-                           std::string_view extension) {
+                           std::string_view extension, Reporter& reporter) {
   std::string name = FindText(store, key, "");
+  if (LeavesFolder(name)) {
+    reporter.LogLine(std::string(key) + " names a file outside the project's folder: " + name);
+    return {};
+  }
   if (name.empty()) name = "%" + state.baseName + std::string(extension);
-  return ReplaceDirectory(state.directory, name);
+  // Beside the project or below it, whatever the process's current directory.
+  std::string path = state.directory;
+  if (!path.empty() && kSeparators.find(path.back()) == std::string_view::npos) path += '/';
+  return path + name;
+}
+
+// The four output names, all read before anything is written.
+bool ReadOutputFileNames(RecordStore& store, EngineState& state, Reporter& reporter) {
+  RunFileNames& f = state.files;
+  f.parameters = OutputFileName(store, "PWPR", state, ".par", reporter);
+  f.list = OutputFileName(store, "PWUT", state, ".out", reporter);
+  f.summary = OutputFileName(store, "PWSM", state, ".sum", reporter);
+  f.fourier = OutputFileName(store, "PWFO", state, ".fou", reporter);
+  return !f.parameters.empty() && !f.list.empty() && !f.summary.empty() && !f.fourier.empty();
 }
 
 void WriteLine(std::ostream& out, std::string_view line) { out << PadRecord(line) << '\n'; }
 
-bool OpenListFile(EngineState& state, RecordStore& store, Reporter& reporter) {
-  state.files.list = OutputFileName(store, "PWUT", state, ".out");
+bool OpenListFile(EngineState& state, Reporter& reporter) {
   if (state.list.Open(state.files.list)) return true;
   reporter.ShowMessage("Error", "Error opening list file");
   return false;
@@ -121,7 +138,7 @@ RunFilesStatus SetUpRunFiles(std::string_view projectName, EngineState& state, R
   }
 
   NameInputFiles(state, store);
-  state.files.parameters = OutputFileName(store, "PWPR", state, ".par");
+  if (!ReadOutputFileNames(store, state, reporter)) return RunFilesStatus::kFailed;
 
   std::ifstream project(state.projectFile, std::ios::binary);
   if (!project.is_open()) {
@@ -147,16 +164,12 @@ RunFilesStatus SetUpRunFiles(std::string_view projectName, EngineState& state, R
   project.close();
   temporary.close();
   if (copied != RunFilesStatus::kOk) {
-    OpenListFile(state, store, reporter);
+    OpenListFile(state, reporter);
     for (const std::string& line : copyReport.Lines()) state.list.Line(line);
     return RunFilesStatus::kFailed;
   }
 
-  if (!OpenListFile(state, store, reporter)) return RunFilesStatus::kFailed;
-
-  // Opened by the output stage.
-  state.files.summary = OutputFileName(store, "PWSM", state, ".sum");
-  state.files.fourier = OutputFileName(store, "PWFO", state, ".fou");
+  if (!OpenListFile(state, reporter)) return RunFilesStatus::kFailed;
   return RunFilesStatus::kOk;
 }
 

@@ -2,7 +2,6 @@
 // taken over as the project.
 #include <atomic>
 #include <csignal>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -15,6 +14,7 @@
 #include "util/column_format.h"
 #include "util/file_names.h"
 #include "util/report.h"
+#include "util/temporary_file.h"
 
 namespace kaldena {
 
@@ -74,13 +74,11 @@ int UpdateCommand(const std::vector<std::string>& args) {
   if (store.jReadRecFile(args[0]) < 1) return 1;
   const RunFileNames names = ReadRunFileNames(store, args[0]);
   store.jCloseRec();
-  std::error_code error;
   // The engine's output parameter file lies beside the project unless it names a directory.
   const std::string parameters = ReplaceDirectory(DirectoryOf(args[0]), names.parameters);
-  std::filesystem::copy_file(parameters, args[0], std::filesystem::copy_options::overwrite_existing,
-                             error);
-  reporter.LogLine(error ? "Error updating project" : "Project updated");
-  return error ? 1 : 0;
+  const bool ok = CopyFileWhole(parameters, args[0]);
+  reporter.LogLine(ok ? "Project updated" : "Error updating project");
+  return ok ? 0 : 1;
 }
 
 }  // namespace kaldena

@@ -32,7 +32,8 @@ std::string Name4(std::string_view name) {
 }
 
 Record CodeLineOfAtom(std::string_view label) {
-  const FormatArg args[] = {FormatArg(Name4(label)), 0.0f, 0.0f, 0.0f, 0.0f, 0.0f};
+  const std::string name = Name4(label);
+  const FormatArg args[] = {name, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f};
   return LayoutRecord("('CXYZ ',a4,1x,5f10.3)", args);
 }
 

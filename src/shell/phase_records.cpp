@@ -127,7 +127,8 @@ Record Values(std::string_view key, std::string_view layout, const std::array<fl
 
 template <size_t N>
 Record AtomLine(std::string_view layout, const std::string& label, const std::array<float, N>& v) {
-  std::vector<FormatArg> args = {FormatArg(Label4(label))};
+  const std::string label4 = Label4(label);  // the arguments keep a view of it
+  std::vector<FormatArg> args = {FormatArg(label4)};
   args.insert(args.end(), v.begin(), v.end());
   return LayoutRecord(layout, args);
 }

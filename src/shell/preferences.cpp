@@ -10,6 +10,7 @@
 #include "util/column_format.h"
 #include "util/file_names.h"
 #include "util/number_text.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -63,10 +64,11 @@ std::vector<std::string> ReadLines(std::ifstream& in, int maxLines, bool stopAtS
   return lines;
 }
 
+// Replaced by rename, so that a kill never leaves a cut preferences file.
 bool WriteLines(const std::string& file, const std::vector<std::string>& lines) {
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  for (const std::string& line : lines) out << Trimmed(line) << '\n';
-  return static_cast<bool>(out);
+  return WriteFileWhole(file, [&lines](std::ostream& out) {
+    for (const std::string& line : lines) out << Trimmed(line) << '\n';
+  });
 }
 
 std::string RealValue(double value) {

@@ -83,7 +83,7 @@ struct ShellState {
   // its own lies in projectDir.
   std::string projectFileName;  // blank: no project
   std::string projectDir;       // with its trailing separator, or blank
-  std::string projectBaseName;  // name part up to the first point
+  std::string projectBaseName;  // name part without its last extension
   std::string parameterFileName;
   std::string listFileName;
   std::string summaryFileName;

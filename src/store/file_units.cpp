@@ -86,10 +86,13 @@ std::fstream* FileUnits::Stream(int unit) {
   return &units_[unit]->stream;
 }
 
+FileUnits::Unit::~Unit() {
+  stream.close();
+  if (scratch) std::remove(name.c_str());
+}
+
 void FileUnits::Close(int unit) {
-  if (unit < 0 || unit > kHighestUnit || !units_[unit]) return;
-  units_[unit]->stream.close();
-  if (units_[unit]->scratch) std::remove(units_[unit]->name.c_str());
+  if (unit < 0 || unit > kHighestUnit) return;
   units_[unit].reset();
 }
 

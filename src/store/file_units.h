@@ -34,7 +34,9 @@ class FileUnits {
   void Close(int unit);
 
  private:
+  // A scratch file goes with its unit, also when the table itself ends with units open.
   struct Unit {
+    ~Unit();
     std::fstream stream;
     std::string name;
     bool scratch = false;

@@ -12,6 +12,7 @@
 #include "tools/cif_text.h"
 #include "util/column_format.h"
 #include "util/file_names.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -60,8 +61,8 @@ RawReportStatus WriteRawReport(std::string_view project, std::string_view report
     reporter.LogLine(" Error opening sumfile ");
     return RawReportStatus::kFailed;
   }
-  std::ofstream out{std::string(Trimmed(reportFile)), std::ios::binary | std::ios::trunc};
-  if (!out) {
+  PendingFile out{Trimmed(reportFile)};
+  if (!out.is_open()) {
     reporter.LogLine(" Error opening ciffile ");
     return RawReportStatus::kFailed;
   }
@@ -96,8 +97,8 @@ RawReportStatus WriteRawReport(std::string_view project, std::string_view report
     const float weight = source > 0 ? 1 / source : 0.0f;
     out << Format("(i6,f8.3,2f12.1,e12.4)", ++point, twoTheta, observed, calculated, weight);
   }
-  out.close();
-  if (!out) {
+  if (status != RawReportStatus::kOk) return status;  // the old report stays
+  if (!out.Publish()) {
     reporter.LogLine(" Error opening ciffile ");
     return RawReportStatus::kFailed;
   }

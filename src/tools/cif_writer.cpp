@@ -10,6 +10,7 @@
 #include "tools/cif_writer_sections.h"
 #include "util/date_text.h"
 #include "util/file_names.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -183,8 +184,8 @@ CifStatus WriteCif(std::string_view project, std::string_view cifFile, Reporter&
     reporter.LogLine(" Error opening parfile ");
     return CifStatus::kFailed;
   }
-  std::ofstream file{std::string(Trimmed(cifFile)), std::ios::binary | std::ios::trunc};
-  if (!file) {
+  PendingFile file{Trimmed(cifFile)};
+  if (!file.is_open()) {
     reporter.LogLine(" Error opening ciffile ");
     return CifStatus::kFailed;
   }
@@ -209,12 +210,12 @@ CifStatus WriteCif(std::string_view project, std::string_view cifFile, Reporter&
     file << blocks[phase];
     WriteGeometryLoops(cif, geometry, phase);
   }
-  file.close();
-  if (!file) {
+  if (!geometry.ok) return CifStatus::kFailed;  // the old CIF stays
+  if (!file.Publish()) {
     reporter.LogLine(" Error opening ciffile ");
     return CifStatus::kFailed;
   }
-  return geometry.ok ? CifStatus::kOk : CifStatus::kFailed;
+  return CifStatus::kOk;
 }
 
 std::string CifFileName(std::string_view project) { return ForceExtension(project, "cif"); }

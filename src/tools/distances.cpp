@@ -10,6 +10,7 @@
 #include "util/date_text.h"
 #include "util/file_names.h"
 #include "util/limits.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -183,17 +184,22 @@ bool RunDistan(std::string_view input, std::string_view listFile, Reporter& repo
       return false;
     }
   }
-  std::ofstream list{std::string(Trimmed(listFile)), std::ios::binary};
-  if (!list) {
+  PendingFile list{Trimmed(listFile)};
+  if (!list.is_open()) {
     reporter.LogLine(" Error opening distan list file");
     return false;
   }
-  if (!projectList) return ListProject(inputName, list, reporter, options);
-  std::string project;
-  while (NextProject(*projectList, project)) {
-    if (!ListProject(project, list, reporter, options)) return false;
+  bool ok = true;
+  if (!projectList) {
+    ok = ListProject(inputName, list, reporter, options);
+  } else {
+    for (std::string project; ok && NextProject(*projectList, project);) {
+      ok = ListProject(project, list, reporter, options);
+    }
   }
-  return true;
+  // The list takes the old one's place as far as it got, a failure included: a killed run
+  // leaves the old list.
+  return list.Publish() && ok;
 }
 
 std::string DistanceListName(std::string_view input) { return ForceExtension(input, "dis"); }

@@ -12,6 +12,7 @@
 #include "tools/fourier_peaks.h"
 #include "util/cell.h"
 #include "util/file_names.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -61,8 +62,9 @@ FourierStatus RunFourier(std::string_view project, std::string_view fourierFile,
   const std::string peakName = ForceExtension(project, "prm");
   const std::string plotName = ForceExtension(project, "plo");
 
-  std::ofstream plot(plotName, std::ios::binary | std::ios::trunc);
-  if (!plot) {
+  // Both files take the old ones' places only when the search has ended well.
+  PendingFile plot(plotName);
+  if (!plot.is_open()) {
     reporter.LogLine("Error opening Fourier plot file");
     return FourierStatus::kFailed;
   }
@@ -97,25 +99,28 @@ FourierStatus RunFourier(std::string_view project, std::string_view fourierFile,
   }
   reflections = ExpandedReflections{};
   plot << PlotFileSections(map, options.limits);
-  plot.close();
+  plot.flush();
   if (plot.fail()) {
     reporter.LogLine("Error opening Fourier plot file");
     return FourierStatus::kFailed;
   }
 
-  std::ofstream peaks(peakName, std::ios::binary | std::ios::trunc);
-  if (!peaks) {
+  PendingFile peaks(peakName);
+  if (!peaks.is_open()) {
     reporter.LogLine("Error opening Fourier peak file");
     return FourierStatus::kFailed;
   }
   if (options.positiveLevel >= 1 || options.negativeLevel >= 1) {
-    std::ifstream plotIn(plotName, std::ios::binary);
+    std::ifstream plotIn(plot.Name(), std::ios::binary);
     if (!plotIn || !SearchAndWritePeaks(plotIn, peaks, options, reporter)) {
       reporter.LogLine("Error opening Fourier plot file");
       return FourierStatus::kFailed;
     }
   }
-  peaks.close();
+  if (!plot.Publish() || !peaks.Publish()) {
+    reporter.LogLine("Error opening Fourier peak file");
+    return FourierStatus::kFailed;
+  }
   return FourierStatus::kOk;
 }
 

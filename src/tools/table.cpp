@@ -7,6 +7,7 @@
 #include "store/record_catalogue.h"
 #include "tools/table_sections.h"
 #include "util/file_names.h"
+#include "util/temporary_file.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -377,8 +378,8 @@ TableStatus WriteTable(const std::string& input, const std::string& output, std:
   } else {
     projects.push_back(input);
   }
-  std::ofstream out(output, std::ios::binary | std::ios::trunc);
-  if (!out) {
+  PendingFile out(output);
+  if (!out.is_open()) {
     reporter.LogLine("Error");
     reporter.LogLine("Error opening tab file");
     return TableStatus::kFailed;
@@ -388,6 +389,10 @@ TableStatus WriteTable(const std::string& input, const std::string& output, std:
     if (!WriteProject(out, project, date, ++page, projects.size() == 1, reporter)) {
       reporter.LogLine("Error opening or reading " + project);
     }
+  }
+  if (!out.Publish()) {
+    reporter.LogLine("Error opening tab file");
+    return TableStatus::kFailed;
   }
   return TableStatus::kOk;
 }

@@ -1,6 +1,5 @@
 #include "util/column_fields.h"
 
-#include <cctype>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -57,16 +56,6 @@ struct Significand {
   std::string digits;  // without leading signs or point
   int exponent = 0;    // value = digits * 10^exponent
 };
-
-// "inf", "infinity" or "nan" in any case, blanks behind allowed.
-std::optional<double> ReadSpecial(std::string_view rest, bool negative) {
-  while (!rest.empty() && rest.back() == ' ') rest.remove_suffix(1);
-  std::string word;
-  for (char c : rest) word += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  if (word == "nan") return std::numeric_limits<double>::quiet_NaN();
-  if (word != "inf" && word != "infinity") return std::nullopt;
-  return negative ? -HUGE_VAL : HUGE_VAL;
-}
 
 // The exponent after E, D, Q or a bare sign; blanks inside are ignored.
 bool ReadExponent(std::string_view rest, int& exponent) {
@@ -206,14 +195,12 @@ std::optional<Real> ReadRealField(std::string_view field, int decimals) {
     i = field.find_first_not_of(' ', i + 1);
     if (i == std::string_view::npos) return Real{0};
   }
-  const char first = static_cast<char>(std::tolower(static_cast<unsigned char>(field[i])));
-  if (first == 'i' || first == 'n') {
-    const std::optional<double> special = ReadSpecial(field.substr(i), number.negative);
-    if (!special) return std::nullopt;
-    return static_cast<Real>(*special);
-  }
   if (!ReadSignificand(field.substr(i), decimals, number)) return std::nullopt;
-  return Convert<Real>(number);
+  // Unlike gfortran, no "Inf" or "NaN" and nothing beyond the range of a float: the system
+  // computes in single precision, and such a field is a damaged file, not a value.
+  const Real value = Convert<Real>(number);
+  if (!(std::fabs(value) <= std::numeric_limits<float>::max())) return std::nullopt;
+  return value;
 }
 
 template std::optional<float> ReadRealField<float>(std::string_view, int);

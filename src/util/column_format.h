@@ -29,6 +29,8 @@ class FormatArg {
   FormatArg(const char* v) : value_(std::string_view(v)) {}
   FormatArg(std::string_view v) : value_(v) {}
   FormatArg(const std::string& v) : value_(std::string_view(v)) {}
+  // A text argument is kept as a view: a temporary string would be gone before it is written.
+  FormatArg(std::string&&) = delete;
 
   const std::variant<long long, double, std::string_view>& Value() const { return value_; }
 

@@ -1,7 +1,6 @@
 #include "util/file_copy.h"
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "util/temporary_file.h"
@@ -22,15 +21,11 @@ bool WriteProtected(const fs::path& file) {
 }  // namespace
 
 bool CopyFileReplacing(std::string_view from, std::string_view to) {
-  const fs::path source{std::string(Trimmed(from))};
+  const std::string source{Trimmed(from)};
   const std::string target{Trimmed(to)};
   std::error_code error;
-  if (!fs::is_regular_file(source, error) || WriteProtected(target)) return false;
-  std::ifstream in(source, std::ios::binary);
-  return in && WriteFileWhole(target, [&](std::ostream& out) {
-           // Inserting an empty buffer would mark the copy as failed.
-           if (in.peek() != std::ifstream::traits_type::eof()) out << in.rdbuf();
-         });
+  return fs::is_regular_file(source, error) && !WriteProtected(target) &&
+         CopyFileWhole(source, target);
 }
 
 }  // namespace kaldena

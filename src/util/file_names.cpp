@@ -1,5 +1,7 @@
 #include "util/file_names.h"
 
+#include <algorithm>
+
 #include "util/text.h"
 
 namespace kaldena {
@@ -34,7 +36,21 @@ std::string DirectoryOf(std::string_view path) {
 std::string BaseNameOf(std::string_view path) {
   const std::string_view trimmed = Trimmed(path);
   const std::string_view file = trimmed.substr(FilePartStart(trimmed));
-  return std::string(file.substr(0, file.find('.')));
+  return std::string(file.substr(0, file.rfind('.')));
+}
+
+bool LeavesFolder(std::string_view name) {
+  const std::string_view trimmed = Trimmed(name);
+  if (trimmed.empty()) return false;
+  if (trimmed.front() == '/' || trimmed.front() == '\\' || trimmed.find(':') != trimmed.npos) {
+    return true;
+  }
+  for (std::size_t start = 0; start <= trimmed.size();) {
+    const std::size_t end = std::min(trimmed.find_first_of("\\/", start), trimmed.size());
+    if (trimmed.substr(start, end - start) == "..") return true;
+    start = end + 1;
+  }
+  return false;
 }
 
 std::string ReplaceDirectory(std::string_view directory, std::string_view name) {

@@ -16,8 +16,13 @@ std::string ForceExtension(std::string_view name, std::string_view extension);
 // Everything up to and including the last separator; empty when there is none.
 std::string DirectoryOf(std::string_view path);
 
-// What follows the last separator, up to but not including the first point.
+// What follows the last separator, up to but not including its last point: "x.v1.rec" gives
+// "x.v1", so that two projects of one stem never share their outputs.
 std::string BaseNameOf(std::string_view path);
+
+// Whether a name taken from a file would write outside the folder it is read against: an
+// absolute name, one with a drive, or one with a ".." part ("\\" counts as a separator).
+bool LeavesFolder(std::string_view name);
 
 // The name with `directory` in front, unless the name has a drive or a directory of its own.
 // A separator is put between the two when the directory does not end in one.

@@ -131,14 +131,48 @@ bool TemporaryFile::RenameOver(std::string_view target) {
   return true;
 }
 
+PendingFile::PendingFile(PendingFile&& other) noexcept
+    : std::ofstream(std::move(other)),
+      target_(std::move(other.target_)),
+      temporary_(std::move(other.temporary_)) {}
+
+PendingFile& PendingFile::operator=(PendingFile&& other) noexcept {
+  std::ofstream::operator=(std::move(other));
+  target_ = std::move(other.target_);
+  temporary_ = std::move(other.temporary_);
+  return *this;
+}
+
+bool PendingFile::Open(std::string_view target) {
+  target_ = std::string(target);
+  const std::string directory = DirectoryOf(target_);
+  temporary_ = TemporaryFile::Create(directory, std::string_view(target_).substr(directory.size()));
+  if (temporary_.Exists()) open(temporary_.Name(), std::ios::binary | std::ios::trunc);
+  return is_open();
+}
+
+bool PendingFile::Publish() {
+  if (!is_open()) return false;
+  close();
+  return !fail() && temporary_.RenameOver(target_);
+}
+
 bool WriteFileWhole(std::string_view target, const std::function<void(std::ostream&)>& write) {
-  const std::string directory = DirectoryOf(target);
-  TemporaryFile temporary = TemporaryFile::Create(directory, target.substr(directory.size()));
-  if (!temporary.Exists()) return false;
-  std::ofstream out(temporary.Name(), std::ios::binary | std::ios::trunc);
+  PendingFile out(target);
+  if (!out.is_open()) return false;
   write(out);
-  out.close();
-  return !out.fail() && temporary.RenameOver(target);
+  return out.Publish();
+}
+
+bool CopyFileWhole(std::string_view from, std::string_view target) {
+  std::ifstream in{std::string(from), std::ios::binary};
+  if (!in.is_open()) return false;
+  return WriteFileWhole(target, [&in](std::ostream& out) {
+    char buffer[1 << 16];
+    while (in.read(buffer, sizeof buffer) || in.gcount() > 0) out.write(buffer, in.gcount());
+    // A directory or a read error is no end of the file: nothing may replace the target then.
+    if (in.bad() || !in.eof()) out.setstate(std::ios::failbit);
+  });
 }
 
 void RemoveStaleTemporaries(std::string_view directory, std::string_view stem) {

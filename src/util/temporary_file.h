@@ -4,6 +4,7 @@
 // which tells the leftover of a killed process from a file in use.
 #pragma once
 
+#include <fstream>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -44,10 +45,38 @@ class TemporaryFile {
   std::string name_;
 };
 
+// An output stream whose file takes the place of its target only when published: it is written
+// to a temporary file beside the target, so that until `Publish`, and when the writer never
+// gets there (a kill, a failed run), the target stays as it was.
+class PendingFile : public std::ofstream {
+ public:
+  PendingFile() = default;
+  explicit PendingFile(std::string_view target) { Open(target); }
+  PendingFile(PendingFile&& other) noexcept;
+  PendingFile& operator=(PendingFile&& other) noexcept;
+
+  // Starts the temporary file for `target`; false (and `is_open` false) when it cannot be made.
+  bool Open(std::string_view target);
+  // Closes the stream and renames its file over the target. False when the writing or the
+  // rename failed: the target is then as it was.
+  bool Publish();
+  const std::string& Target() const { return target_; }
+  // The file being written, for a reader before it is published.
+  const std::string& Name() const { return temporary_.Name(); }
+
+ private:
+  std::string target_;
+  TemporaryFile temporary_;
+};
+
 // Writes `target` whole through `write` into a temporary file beside it, which then replaces it
-// by rename. False when the content cannot be written or the rename fails; `target` then stays
-// as it was.
+// by rename. False when the content cannot be written (`write` may set the stream's failbit)
+// or the rename fails; `target` then stays as it was.
 bool WriteFileWhole(std::string_view target, const std::function<void(std::ostream&)>& write);
+
+// Copies `from` over `target` the same way. False when `from` does not read whole or the copy
+// cannot replace `target`, which then stays as it was.
+bool CopyFileWhole(std::string_view from, std::string_view target);
 
 // Removes the files "<stem>.<digits>-<digits>.tmp" of `directory` (empty: the current one)
 // whose lock nobody holds: what processes that were killed left behind.

@@ -50,6 +50,16 @@ TEST(ConvertPrintedSymbol, ReadsEveryPrintedSymbolAndIsIdempotent) {
   }
 }
 
+TEST(ConvertPrintedSymbol, ALongSymbolThatReadsNoWayComesBackJoined) {
+  // 64,000 characters of fields: joined word by word in one pass (this took seconds when each
+  // word was looked for from the start).
+  std::string symbol = "P";
+  for (int i = 0; i < 32000; ++i) symbol += "  1";
+  std::string joined = "P";
+  for (int i = 0; i < 32000; ++i) joined += " 1";
+  EXPECT_EQ(ConvertPrintedSymbol(symbol), joined);
+}
+
 TEST(ConvertPrintedSymbol, TakesTheWaysSymbolsAreTyped) {
   EXPECT_EQ(ConvertPrintedSymbol("P4_2/mnm"), "P 42/M N M");
   EXPECT_EQ(ConvertPrintedSymbol("P6_3/mmc"), "P 63/M M C");

@@ -1,13 +1,13 @@
 // The input stage on whole projects: the list file's head for four kinds of run (golden
 // files), the failures of missing and unreadable records, and what each job type reads.
-#include "engine/engine_input.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "engine/engine_input.h"
 #include "engine/run_files.h"
 #include "support/test_files.h"
 #include "util/text.h"
@@ -134,6 +134,16 @@ TEST(InputStage, BadNumbersAndJobTypesFail) {
   InputRun bad(Replace(Project("calculation"), "RLIM        10.00000", "RLIM        1x.00000"));
   EXPECT_EQ(bad.status, InputStatus::kFailed);
   EXPECT_TRUE(bad.ListText().find(" Error reading RLIM") != std::string::npos) << bad.ListText();
+
+  // Infinity, NaN and numbers beyond the range of a float are no values: the record is named.
+  for (const auto& [from, to, named] :
+       {std::tuple{"RLIM        10.00000", "RLIM             nan", " Error reading RLIM"},
+        std::tuple{"CELL        4.758900", "CELL       -Infinity", " Error reading CELL"},
+        std::tuple{"ELAM        1.540510", "ELAM       1.540E+39", " Error reading ELAM"}}) {
+    InputRun beyond(Replace(Project("calculation"), from, to));
+    EXPECT_EQ(beyond.status, InputStatus::kFailed) << to;
+    EXPECT_TRUE(beyond.ListText().find(named) != std::string::npos) << beyond.ListText();
+  }
 
   InputRun wrong(Replace(Project("calculation"), "JOBT          2", "JOBT          6"));
   EXPECT_EQ(wrong.status, InputStatus::kFailed);

@@ -256,6 +256,23 @@ TEST(RawData, BadScansFailWithFileAndLine) {
       0);
 }
 
+TEST(RawData, TextWithoutLineEndsStopsTheReadingWithBoundedMemory) {
+  // A device that never ends, read line by line and whole.
+  for (RawFormat format : {kXy, kXrdml}) {
+    const Outcome zeros = ReadWith(Request(format, "/dev/zero"));
+    EXPECT_EQ(zeros.pattern.points, 0);
+    EXPECT_NE(zeros.said.find(" Error reading /dev/zero, line 1: no line end within 5120000 "
+                              "characters"),
+              std::string::npos)
+        << zeros.said;
+  }
+  // A binary file: its first line is too long, whatever follows.
+  testing::ScratchDir dir;
+  const fs::path binary = dir.Write("b.cif", "data_x\n" + std::string(5120001, '\x01') + "\n");
+  EXPECT_NE(Said(Request(kCif, binary)).find(binary.string() + ", line 2: no line end"),
+            std::string::npos);
+}
+
 // ---- dat ----
 
 TEST(RawData, DatStandardFileTenALine) {

@@ -205,6 +205,27 @@ TEST(RunEngine, AParameterFileThatCannotBeReplacedFailsTheRun) {
   ExpectNoTemporaryFiles(w.Path());
 }
 
+TEST(RunEngine, ABatchWritesNoProjectOutsideItsFolder) {
+  Workspace w;
+  w.WriteRefinement("first.rec");
+  fs::create_directory("inner");
+  const std::string outside = "keep\n";
+  const fs::path victim = w.Path() / "victim.rec";
+  std::ofstream(victim) << outside;
+  // The chain's next project lies above the batch's folder: the first run and its update go,
+  // the copy over the next is refused.
+  std::ofstream("inner/chain.exp") << "../first.rec\n";
+  std::ofstream("chain.exp") << "first.rec\n\n../victim.rec\n\n";
+  std::ofstream("edits.edt") << "/tmp/../" + victim.string() + "\nTITL      x\n\n";
+  RecordingReporter reporter;
+  EXPECT_EQ(RunFile("chain.exp", reporter).status, 1);
+  EXPECT_TRUE(LogHas(reporter, "Batch file names a project outside its folder: ../victim.rec"));
+  EXPECT_EQ(RunFile("inner/chain.exp", reporter).status, 1);
+  EXPECT_TRUE(LogHas(reporter, "Batch file names a project outside its folder: ../first.rec"));
+  EXPECT_EQ(RunFile("edits.edt", reporter).status, 1);
+  EXPECT_EQ(ReadBytes(victim), outside);
+}
+
 TEST(RunEngine, ACutOfZeroRunsEveryCycle) {
   Workspace w;
   w.WriteRefinement("all.rec");

@@ -95,15 +95,16 @@ TEST(RunFiles, DefaultsAndTheTemporaryFileLieBesideTheProject) {
   EXPECT_TRUE(run.reporter.messages.empty());
 }
 
-TEST(RunFiles, RecordNamesTakeTheProjectDirectoryUnlessTheyHaveOneOfTheirOwn) {
+TEST(RunFiles, InputNamesTakeTheProjectDirectoryUnlessTheyHaveOneOfTheirOwn) {
   ScratchDir dir;
+  fs::create_directory(dir.Path() / "sums");
   const fs::path project = dir.Write("p.rec", Lines({
                                                   "PWDT      data.gdf",
                                                   "PWBG      back/bg.txt",
                                                   "PWWG      C:weights.dat",
                                                   "PWPR      refined.par",
                                                   "PWUT      listing.out",
-                                                  "PWSM      /abs/p.sum",
+                                                  "PWSM      sums/p.sum",
                                                   "PWFO      win\\p.fou",
                                                   "SCAL      1.0",
                                               }));
@@ -117,8 +118,9 @@ TEST(RunFiles, RecordNamesTakeTheProjectDirectoryUnlessTheyHaveOneOfTheirOwn) {
   EXPECT_EQ(run.state.files.weights, "C:weights.dat");
   EXPECT_EQ(run.state.files.parameters, d + "refined.par");
   EXPECT_EQ(run.state.files.list, d + "listing.out");
-  EXPECT_EQ(run.state.files.summary, "/abs/p.sum");
-  EXPECT_EQ(run.state.files.fourier, "win\\p.fou");
+  // Outputs lie in the project's folder or below it, whatever the current directory.
+  EXPECT_EQ(run.state.files.summary, d + "sums/p.sum");
+  EXPECT_EQ(run.state.files.fourier, d + "win\\p.fou");
 
   // The list file is open at the PWUT name: what the run writes lands there.
   RecordingReporter reporter;
@@ -135,9 +137,34 @@ TEST(RunFiles, TheTemporaryFileLiesBesideAParameterFileOfAnotherDirectory) {
   ScratchDir dir;
   fs::create_directory(dir.Path() / "out");
   const std::string out = (dir.Path() / "out").string() + "/";
-  RunSetUp run(dir.Write("p.rec", Lines({"PWPR      " + out + "p.par", "SCAL      1.0"})));
+  RunSetUp run(dir.Write("p.rec", Lines({"PWPR      out/p.par", "SCAL      1.0"})));
   ASSERT_EQ(run.status, RunFilesStatus::kOk);
   EXPECT_EQ(run.state.temporary.Name().substr(0, out.size() + 3), out + "%p.");
+}
+
+TEST(RunFiles, OutputNamesThatLeaveTheProjectsFolderAreRefused) {
+  ScratchDir dir;
+  fs::create_directory(dir.Path() / "shared");
+  const fs::path victim = dir.Write("victim", "keep\n");
+  using Case = std::pair<std::string, std::string>;
+  for (const auto& [record, named] :
+       {Case{"PWUT      ../victim", "PWUT names a file outside the project's folder: ../victim"},
+        Case{"PWPR      " + victim.string(),
+             "PWPR names a file outside the project's folder: " + victim.string()},
+        Case{"PWSM      sub\\..\\..\\victim",
+             "PWSM names a file outside the project's folder: "
+             "sub\\..\\..\\victim"},
+        Case{"PWFO      C:victim", "PWFO names a file outside the project's folder: C:victim"}}) {
+    const fs::path project = dir.Write("shared/p.rec", Lines({record, "SCAL      1.0"}));
+    RunSetUp run(project);
+    EXPECT_EQ(run.status, RunFilesStatus::kFailed) << record;
+    EXPECT_EQ(run.reporter.log, std::vector<std::string>{named});
+    EXPECT_FALSE(run.state.list.IsOpen());
+    EXPECT_FALSE(run.state.temporary.Exists());
+  }
+  EXPECT_EQ(ReadBytes(victim), "keep\n");
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir.Path() / "shared"), fs::directory_iterator()),
+            1);
 }
 
 TEST(RunFiles, BlankNameRecordsFallBackOnTheDefaults) {

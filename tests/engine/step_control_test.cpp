@@ -88,7 +88,7 @@ TEST(StepControl, ARunWithoutAFiniteStartFailsAndLeavesItsFilesAlone) {
   RecordingReporter reporter;
   testing::SimulateCeriaPattern(dir, reporter);
   dir.Write("start.rec",
-            testing::CeriaProject(0, "        NaN", "  5.411000", "   0.01500", "   0.00000"));
+            testing::CeriaProject(0, "  3.000E+38", "  5.411000", "   0.01500", "   0.00000"));
   const std::string earlier = "an earlier parameter file\n";
   dir.Write("%start.par", earlier);
   const std::string project = testing::ReadBytes("start.rec");

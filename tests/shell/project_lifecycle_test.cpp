@@ -76,12 +76,12 @@ TEST_F(LifecycleTest, AnEmptyRecentSlotFailsLikeAMissingFileButLeavesTheMenusOn)
   EXPECT_EQ(toolkit.Selections()[0].title, "Open pattern file");
 }
 
-TEST_F(LifecycleTest, WithoutPwprTheWorkingCopyIsNamedFromTheBaseUpToTheFirstPoint) {
+TEST_F(LifecycleTest, WithoutPwprTheWorkingCopyIsNamedFromTheBaseWithoutItsLastExtension) {
   dir.Write("quartz.run2.final.rec", "TITL      Quartz\n");
   Open("quartz.run2.final.rec");
-  EXPECT_EQ(state.projectBaseName, "quartz");
-  EXPECT_EQ(state.parameterFileName, "quartz.par");
-  EXPECT_TRUE(Exists("quartz.par"));
+  EXPECT_EQ(state.projectBaseName, "quartz.run2.final");
+  EXPECT_EQ(state.parameterFileName, "quartz.run2.final.par");
+  EXPECT_TRUE(Exists("quartz.run2.final.par"));
   EXPECT_FALSE(state.rawDataDefined);
   // JOBT absent: the shell's own defaults, one phase.
   EXPECT_EQ(state.job.values, (std::array<int, 8>{0, 1, 1, -1, 0, 1, 0, 1}));

@@ -120,8 +120,8 @@ TEST_F(JobRecordsTest, TitleFormatAndFileNames) {
   const RunFileNames names = ReadRunFileNames(store, "/home/u/quartz.v2.rec");
   EXPECT_EQ(names.data, "data/q.xy");
   EXPECT_EQ(names.background, "");
-  EXPECT_EQ(names.list, "%quartz.out");
-  EXPECT_EQ(names.parameters, "%quartz.par");
+  EXPECT_EQ(names.list, "%quartz.v2.out");
+  EXPECT_EQ(names.parameters, "%quartz.v2.par");
   EXPECT_EQ(names.fourier, "out.fou");
 
   Load("CELL      1\n");

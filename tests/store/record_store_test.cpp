@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <sstream>
 
 #include "support/test_files.h"
@@ -9,6 +12,8 @@
 
 namespace kaldena {
 namespace {
+
+namespace fs = std::filesystem;
 
 using testing::ReadBytes;
 using testing::ScratchDir;
@@ -263,6 +268,23 @@ TEST_F(RecordStoreTest, TakenAndUntakenLines) {
   EXPECT_EQ(untaken[0].key, "TITL");
   EXPECT_EQ(untaken[1].line, 4);
   EXPECT_EQ(untaken[1].key, "XYZ ");
+}
+
+TEST(FileUnits, ScratchFilesGoWithTheirTable) {
+  ScratchDir dir;
+  const char* old = std::getenv("TMPDIR");
+  const std::string saved = old ? old : "";
+  ::setenv("TMPDIR", dir.Path().c_str(), 1);
+  {
+    RecordingReporter reporter;
+    FileUnits units(reporter);
+    int unit = 0;
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(units.OpenFileUnit(unit, "", "SCRATCH"));
+    units.Close(unit);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.Path()), fs::directory_iterator()), 2);
+  }
+  old ? ::setenv("TMPDIR", saved.c_str(), 1) : ::unsetenv("TMPDIR");
+  EXPECT_TRUE(fs::is_empty(dir.Path()));
 }
 
 }  // namespace

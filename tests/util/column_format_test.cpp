@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <fstream>
+#include <limits>
 #include <random>
 #include <regex>
 #include <sstream>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -159,6 +162,18 @@ std::string Mismatches(const Targets& got, const std::vector<std::string>& lines
   return out.str();
 }
 
+// A target that gfortran fills with infinity, NaN or a number beyond the range of a float: our
+// reader refuses such a field on purpose, as no file of ours holds one as a value.
+bool BeyondOurRange(const std::vector<std::string>& targetLines) {
+  for (const std::string& line : targetLines) {
+    if (line.size() < 7 || (line[4] != 'f' && line[4] != 'd')) continue;
+    const TableValue value = ParseValue(line);
+    const double v = line[4] == 'f' ? std::get<float>(value) : std::get<double>(value);
+    if (!(std::fabs(v) <= std::numeric_limits<float>::max())) return true;
+  }
+  return false;
+}
+
 TEST(ColumnFormatTable, ReadsAsGfortran) {
   const std::vector<TableCase> cases = LoadTable("read_cases.txt");
   ASSERT_GE(cases.size(), 80u);
@@ -171,7 +186,7 @@ TEST(ColumnFormatTable, ReadsAsGfortran) {
     }
     Targets targets(targetLines);
     const ReadStatus status = ReadFormatted(text, c.format, targets.list);
-    const bool error = c.end == "end error";
+    const bool error = c.end == "end error" || BeyondOurRange(targetLines);
     EXPECT_EQ(status, error ? ReadStatus::kError : ReadStatus::kOk)
         << "read_cases.txt:" << c.line << " format " << c.format;
     if (!error && status == ReadStatus::kOk) {
@@ -244,6 +259,12 @@ TEST(ColumnFormat, StopsAtTheFirstBadTarget) {
   EXPECT_EQ(Read("2147483648", "(i10)", a), ReadStatus::kError) << "beyond int";
 }
 
+// A text argument is held as a view: a temporary string, gone before the writer runs, must
+// not compile as one (it did in the new project's code-word line).
+static_assert(!std::is_constructible_v<FormatArg, std::string>);
+static_assert(!std::is_convertible_v<std::string, FormatArg>);
+static_assert(std::is_constructible_v<FormatArg, const std::string&>);
+
 // Every double and float survives writing with enough digits and reading back.
 TEST(ColumnFormat, RoundTripsRandomReals) {
   std::mt19937_64 random(20240611);
@@ -254,6 +275,11 @@ TEST(ColumnFormat, RoundTripsRandomReals) {
     double readValue = 0;
     float readSingle = 0;
     const std::string text = Format("(e25.17e3,e16.9e2)", value, single);
+    if (std::fabs(value) > std::numeric_limits<float>::max()) {
+      // Beyond the range of a float: refused, as every number of our files is a float.
+      EXPECT_EQ(Read(text, "(e25.17,e16.9)", readValue, readSingle), ReadStatus::kError) << text;
+      continue;
+    }
     ASSERT_EQ(Read(text, "(e25.17,e16.9)", readValue, readSingle), ReadStatus::kOk) << text;
     EXPECT_EQ(std::bit_cast<std::uint64_t>(readValue), std::bit_cast<std::uint64_t>(value)) << text;
     EXPECT_EQ(std::bit_cast<std::uint32_t>(readSingle), std::bit_cast<std::uint32_t>(single))

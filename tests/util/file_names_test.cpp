@@ -26,9 +26,11 @@ TEST(DirectoryOf, KeepsEverythingUpToTheLastSeparator) {
   EXPECT_EQ(DirectoryOf("quartz.rec"), "");
 }
 
-TEST(BaseNameOf, StopsAtTheFirstPointOfTheFilePart) {
+TEST(BaseNameOf, DropsOnlyTheLastExtensionOfTheFilePart) {
   EXPECT_EQ(BaseNameOf("C:\\data.v2\\quartz.rec"), "quartz");
-  EXPECT_EQ(BaseNameOf("quartz.old.rec"), "quartz");
+  // Two versions of one project keep two base names, so their outputs never meet.
+  EXPECT_EQ(BaseNameOf("quartz.v1.rec"), "quartz.v1");
+  EXPECT_EQ(BaseNameOf("runs/quartz.v2.rec"), "quartz.v2");
   EXPECT_EQ(BaseNameOf("quartz  "), "quartz");
   EXPECT_EQ(BaseNameOf("/home/x/"), "");
 }
