@@ -28,8 +28,8 @@ bool TakesPart(const EngineState& state, const SpanReflections& span) {
   return span.first <= span.last || state.controls.job.background < 1;
 }
 
-// One pass over the points: reflections as the points reach them, the pattern and, in a
-// refinement, the normal equations.
+}  // namespace
+
 bool Sweep(EngineState& state) {
   CycleWork& w = state.work;
   const int reflections = state.reflections.Count();
@@ -52,6 +52,8 @@ bool Sweep(EngineState& state) {
   }
   return true;
 }
+
+namespace {
 
 void DampAndMirror(EngineState& state) {
   const int np = state.parameters;

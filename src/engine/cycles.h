@@ -21,6 +21,10 @@ bool AssignSpans(EngineState& state);
 // stands after the input.
 void PrepareCycles(EngineState& state);
 
+// One pass over the points: reflections as the points reach them, the pattern and, in a
+// refinement, the normal equations. False when a point failed (told in the list file).
+bool Sweep(EngineState& state);
+
 // Runs the cycles of a refinement, or the one sweep of a calculation or comparison. A set
 // `stop` ends the refinement after the current cycle, as if the shifts had converged.
 CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop);

@@ -208,6 +208,17 @@ PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
   return PointStatus::kOk;
 }
 
+void AddToNormalEquations(EngineState& state, std::span<const float> dy, float w, float diff) {
+  const int np = state.parameters;
+  for (int q = 0; q < np; ++q) {
+    if (dy[q] == 0) continue;
+    const float gq = dy[q] * w;
+    state.shifts[q] += gq * diff;
+    float* m = &state.work.normal[static_cast<size_t>(q) * kMaxParameters];
+    for (int r = q; r < np; ++r) m[r] += gq * dy[r];
+  }
+}
+
 PointStatus PointTerms(EngineState& state, int i, int first, int last) {
   CycleWork& work = state.work;
   PatternPoints& points = state.points;
@@ -233,14 +244,7 @@ PointStatus PointTerms(EngineState& state, int i, int first, int last) {
       w = yt <= 1 ? 1.0f : 1 / yt;
       points.weight[i] = w;
     }
-    const float diff = points.observed[i] - background - y;
-    for (int q = 0; q < np; ++q) {
-      if (dy[q] == 0) continue;
-      const float gq = dy[q] * w;
-      state.shifts[q] += gq * diff;
-      float* m = &work.normal[static_cast<size_t>(q) * kMaxParameters];
-      for (int r = q; r < np; ++r) m[r] += gq * dy[r];
-    }
+    AddToNormalEquations(state, dy, w, points.observed[i] - background - y);
   } else if (state.controls.calculation) {
     points.weight[i] = y + background != 0 ? 1 / (y + background) : 1.0f;
   }

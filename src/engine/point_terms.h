@@ -2,6 +2,7 @@
 // calculated value to every parameter, and its share of the normal equations.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,10 @@ struct PointValues {
 // this cycle must stand. Fails on an illegal profile number, with the list line in `listLines`.
 PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
                            PointValues& out, std::vector<std::string>& listLines);
+
+// A point's derivatives dy (one per parameter), weight w and difference observed - calculated
+// into the normal equations: the right-hand side and the upper part of the matrix.
+void AddToNormalEquations(EngineState& state, std::span<const float> dy, float w, float diff);
 
 // Point i (from 0) with the reflections first to last (from 0) of its span. The reflections'
 // terms of this cycle must stand. Adds to the normal equations in a refinement.
