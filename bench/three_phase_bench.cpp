@@ -127,9 +127,8 @@ void ThreePhasePointTerms(benchmark::State& bench) {
   std::vector<std::string> lines;
   for (auto _ : bench) {
     for (int i = 0; i < state.points.count; ++i) {
-      const kaldena::SpanReflections span = kaldena::ReflectionsOfSpan(state.work.spans[i]);
-      if (span.excluded) continue;
-      kaldena::CalculatePoint(state, i, span.first, span.last, values, lines);
+      if (state.work.reach.Excluded(i)) continue;
+      kaldena::CalculatePoint(state, i, state.work.reach.At(i), values, lines);
       benchmark::DoNotOptimize(values.dy.data());
     }
   }
@@ -144,10 +143,9 @@ void ThreePhaseNormalMatrix(benchmark::State& bench) {
   std::vector<std::vector<float>> dy;
   std::vector<std::string> lines;
   for (int i = 0; i < state.points.count; ++i) {
-    const kaldena::SpanReflections span = kaldena::ReflectionsOfSpan(state.work.spans[i]);
-    if (span.excluded) continue;
+    if (state.work.reach.Excluded(i)) continue;
     kaldena::PointValues values;
-    kaldena::CalculatePoint(state, i, span.first, span.last, values, lines);
+    kaldena::CalculatePoint(state, i, state.work.reach.At(i), values, lines);
     dy.push_back(std::move(values.dy));
   }
   for (auto _ : bench) {
