@@ -2,8 +2,11 @@
 # Installs the Debian packages that the build needs; does nothing when all are present.
 set -euo pipefail
 
+# The desktop program kaldena needs Qt 6 Widgets with printing (qt6-base-dev; its offscreen,
+# xcb and JPEG plugins come with libqt6gui6); its screenshot test runs it under xvfb-run.
 packages=(build-essential cmake make pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          libcairo2-dev libjpeg-dev zlib1g-dev python3 python3-gemmi python3-pycifrw)
+          libcairo2-dev libjpeg-dev zlib1g-dev python3 python3-gemmi python3-pycifrw
+          qt6-base-dev libqt6gui6 xvfb xauth)
 
 missing=()
 for p in "${packages[@]}"; do

@@ -23,6 +23,11 @@ using GeneratorWord = int;
 
 inline constexpr GeneratorWord kInversionWord = 290;
 inline constexpr GeneratorWord kRhombohedralCentringWord = 8192;
+// The translations of the A, B, C and I centrings (F is A with B).
+inline constexpr GeneratorWord kACentringWord = 576;
+inline constexpr GeneratorWord kBCentringWord = 516;
+inline constexpr GeneratorWord kCCentringWord = 68;
+inline constexpr GeneratorWord kICentringWord = 580;
 inline constexpr GeneratorWord kDiagonalThreeFoldWord = 16384;
 inline constexpr int kMaxGeneratorWords = 10;
 inline constexpr int kSymbolLength = 20;

@@ -140,19 +140,19 @@ SymbolStatus Tokenise(const std::string& symbol, std::vector<std::string>& field
 void SetLattice(SymbolRecipe& r) {
   switch (r.lattice) {
     case 'A':
-      r.centringWords = {576};
+      r.centringWords = {kACentringWord};
       break;
     case 'B':
-      r.centringWords = {516};
+      r.centringWords = {kBCentringWord};
       break;
     case 'C':
-      r.centringWords = {68};
+      r.centringWords = {kCCentringWord};
       break;
     case 'I':
-      r.centringWords = {580};
+      r.centringWords = {kICentringWord};
       break;
     case 'F':
-      r.centringWords = {576, 516};
+      r.centringWords = {kACentringWord, kBCentringWord};
       break;
     default:
       break;

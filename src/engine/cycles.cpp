@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "engine/engine_input.h"
+#include "engine/model_warnings.h"
 #include "engine/parameter_numbering.h"
 #include "engine/parameter_shifts.h"
 #include "engine/point_terms.h"
@@ -13,7 +14,9 @@
 #include "engine/restraints.h"
 #include "engine/result_records.h"
 #include "engine/shift_solver.h"
+#include "engine/step_control.h"
 #include "util/column_format.h"
+#include "util/text.h"
 
 namespace kaldena {
 
@@ -69,14 +72,18 @@ bool Sweep(EngineState& state) {
 
 namespace {
 
-void DampAndMirror(EngineState& state) {
+// The damping of the controls and the Marquardt factor of the step control on the diagonal;
+// a factor of 0 leaves the damping alone.
+void DampAndMirror(EngineState& state, float marquardt) {
   const int np = state.parameters;
   std::vector<float>& m = state.work.normal;
   float damping = state.controls.damping > 0 ? state.controls.damping : 1.0f;
+  if (marquardt > 0) damping *= 1 + marquardt;
   for (int i = 0; i < np; ++i) {
     m[static_cast<size_t>(i) * kMaxParameters + i] *= damping;
     for (int j = i + 1; j < np; ++j) {
-      m[static_cast<size_t>(j) * kMaxParameters + i] = m[static_cast<size_t>(i) * kMaxParameters + j];
+      m[static_cast<size_t>(j) * kMaxParameters + i] =
+          m[static_cast<size_t>(i) * kMaxParameters + j];
     }
   }
 }
@@ -125,19 +132,22 @@ void TestBlocks(EngineState& state) {
     auto look = [&](const Refinable& r) {
       below = below || (r.number == block.watchedParameter && r.value < block.limit);
     };
-    for (const Atom& a : state.atoms) for (const Refinable& r : a.values.slots) look(r);
-    for (const Phase& p : state.phases) for (const Refinable& r : p.values.slots) look(r);
+    for (const Atom& a : state.atoms)
+      for (const Refinable& r : a.values.slots) look(r);
+    for (const Phase& p : state.phases)
+      for (const Refinable& r : p.values.slots) look(r);
     for (const Refinable& r : state.globals.slots) look(r);
     if (!below) continue;
     block.active = true;
-    state.list.Line(FormatLine("('*** Parameter ',I4,' below',F8.4,' ***')", block.watched,
-                               block.limit));
+    state.list.Line(
+        FormatLine("('*** Parameter ',I4,' below',F8.4,' ***')", block.watched, block.limit));
     state.list.Line(FormatLine("('    Parameter ',I4,' blocked')", block.blocked));
   }
 }
 
-// Shift over esd of each parameter, the largest with its name and the mean magnitude.
-void ShiftStatistics(EngineState& state, Reporter& reporter) {
+// Shift over esd of each parameter, the largest with its name and the mean magnitude; the line
+// is listed and returned for the log.
+std::string ShiftStatistics(EngineState& state) {
   CycleSummary& s = state.summary;
   s.largestRatio = 0;
   s.averageRatio = 0;
@@ -153,10 +163,11 @@ void ShiftStatistics(EngineState& state, Reporter& reporter) {
   }
   if (state.parameters > 0) s.averageRatio /= static_cast<float>(state.parameters);
   s.largestName = largest > 0 ? ParameterName(state, largest) : std::string(20, ' ');
-  const std::string line = FormatLine("(' Max. shift/e.s.d.:',E12.4,' (',A20,' )  Average: ',e12.4)",
-                                      s.largestRatio, s.largestName, s.averageRatio);
+  const std::string line =
+      FormatLine("(' Max. shift/e.s.d.:',E12.4,' (',A20,' )  Average: ',e12.4)", s.largestRatio,
+                 s.largestName, s.averageRatio);
   state.list.Line(line);
-  reporter.LogLine(line);
+  return line;
 }
 
 void ComputeResiduals(EngineState& state) {
@@ -225,9 +236,9 @@ void ListResiduals(EngineState& state) {
   if (s.restraints > 0 && s.restraintR + s.restraintRw > 0) {
     list.Text(Format("(' RESTRAINTS RESIDUALS : R =',F6.2,$)", s.restraintR));
     // The pattern's and the restraints' weighted residuals together.
-    const float combined = Capped(
-        100 * std::sqrt((s.sumWeightedDiff2 + s.restraintWeightedResidual2) /
-                        (s.sumWeightedObserved2 + s.restraintWeightedTarget2)));
+    const float combined =
+        Capped(100 * std::sqrt((s.sumWeightedDiff2 + s.restraintWeightedResidual2) /
+                               (s.sumWeightedObserved2 + s.restraintWeightedTarget2)));
     list.Text(Format("('   Rw =',F6.2,'   Rw(comb) =',F6.2)", s.restraintRw, combined));
   }
   list.Text(Format("(/' DURBIN-WATSON D STATISTICS :',$)"));
@@ -274,39 +285,231 @@ bool AssignSpans(EngineState& state) {
   return status == SpanStatus::kOk;
 }
 
-CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop) {
+namespace {
+
+// The sweep of a refinement at the current parameters: the pattern, its residuals and the
+// normal equations. False when a point failed (told in the list file).
+bool SweepAndResiduals(EngineState& state) {
+  if (!Sweep(state)) return false;
+  ComputeResiduals(state);
+  if (!state.restraints.empty()) Restrain(state);
+  return true;
+}
+
+// The hook sees the figures of the cycle's listing and the pattern of the same sweep.
+void ReportCycle(const EngineState& state, const SweepSnapshot& step, int cycle,
+                 const CycleHook& onCycle) {
+  if (!onCycle) return;
+  const size_t n = static_cast<size_t>(state.points.count);
+  CycleReport report;
+  report.cycle = cycle;
+  report.rwp = step.summary.rwp;
+  report.chi2 = step.summary.chi2;
+  report.largestRatio = step.summary.largestRatio;
+  report.largestName = std::string(Trimmed(step.summary.largestName));
+  report.twoTheta = std::span<const float>(state.points.x.data(), n);
+  report.observed = std::span<const float>(state.points.observed.data(), n);
+  report.calculated = std::span<const float>(step.work.calculated.data(), n);
+  report.background = std::span<const float>(step.work.background.data(), n);
+  onCycle(report);
+}
+
+// The weighted sum of squares that the cycles lower: the pattern's and the restraints'.
+double SumOfSquares(const CycleSummary& s) {
+  return s.sumWeightedDiff2 + s.restraintWeightedResidual2;
+}
+
+struct Try {
+  bool failed = false;    // a stage failed; the run ends with status 1
+  std::string nonFinite;  // what of the step is not finite
+  std::string shiftLine;  // the cycle's " Max. shift/e.s.d." line, for the log
+  std::vector<Record> records;
+};
+
+// One least-squares step from the sweep that stands: restraints, damping with the Marquardt
+// factor, solution, oscillation guard and new values. Its listing is held by the caller.
+Try TryStep(EngineState& state, int cycle, float marquardt) {
+  Try t;
+  DampAndMirror(state, marquardt);
+  if (!CheckDiagonal(state)) {
+    t.failed = true;
+    return t;
+  }
+  HoldParameters(state);
+  SolveAndScale(state);
+  DampOscillation(std::span<float>(state.shifts.data(), state.parameters), state.work.lastShifts);
+  t.records = ApplyShifts(state, cycle);
+  TestBlocks(state);
+  ListResiduals(state);
+  t.shiftLine = ShiftStatistics(state);
+  t.nonFinite = NonFiniteParameter(state);
+  return t;
+}
+
+// The parameters of the accepted cycle (or the start) with the lowest sum of squares. Steps are
+// measured against it, so that the accepted cycles never drift above it by more than the
+// tolerance, and a run whose last cycle lies within the tolerance keeps that one.
+struct BestCycle {
+  int cycle = 0;
+  double sum = 0;
+  ModelSnapshot model;
+  std::vector<Record> records;
+  float largestRatio = 0;
+  std::string largestName;
+};
+
+void ListRejected(EngineState& state, Reporter& reporter, int cycle, const std::string& why,
+                  float marquardt) {
+  const std::string line = FormatLine(
+      "(' Cycle',I4,': step rejected, ',A,'; Marquardt factor',E10.2)", cycle, why, marquardt);
+  state.list.Line(line);
+  reporter.LogLine(line);
+}
+
+// Brings the model back to the best cycle when the run ended elsewhere, and evaluates the
+// pattern, residuals and esds again there: one more sweep and a step of zero shifts.
+bool KeepBest(EngineState& state, const BestCycle& best, double lastSum) {
+  CycleSummary& s = state.summary;
+  if (s.cycles > 0 && s.end != CycleEnd::kDiverging && NotHigher(lastSum, best.sum)) return true;
+  best.model.RestoreInto(state);
+  state.list.Line(
+      FormatLine("(/' Parameters of cycle',I4,' kept (lowest weighted sum of squares);',"
+                 "' esds evaluated again there')",
+                 best.cycle));
+  if (!SweepAndResiduals(state)) return false;
+  DampAndMirror(state, 0);
+  if (!CheckDiagonal(state)) return false;
+  HoldParameters(state);
+  SolveAndScale(state);
+  state.shifts.fill(0.0f);
+  state.resultRecords = ApplyShifts(state, best.cycle);
+  ListResiduals(state);
+  s.keptCycle = best.cycle;
+  s.largestRatio = best.largestRatio;
+  s.largestName = best.largestName;
+  return WriteResultRecords(state.temporary.Name(), state.resultRecords);
+}
+
+CycleEnd EndOf(const EngineState& state, const CycleSummary& step, bool stopped, int cycle,
+               int cycles) {
+  if (state.controls.termination > std::abs(step.largestRatio)) return CycleEnd::kConverged;
+  if (stopped) return CycleEnd::kStopped;
+  return cycle == cycles ? CycleEnd::kCycleLimit : CycleEnd::kRunning;
+}
+
+CycleStatus CalculateOnce(EngineState& state) {
+  if (!Sweep(state)) return CycleStatus::kFailed;
+  state.summary.cycles = 1;
+  ComputeResiduals(state);
+  if (const std::string point = NonFinitePoint(state); !point.empty()) {
+    state.list.Line(" Non-finite calculated value at " + point);
+    return CycleStatus::kNonFinite;
+  }
+  if (!state.controls.calculation) ListResiduals(state);
+  state.summary.end = CycleEnd::kConverged;
+  return CycleStatus::kOk;
+}
+
+}  // namespace
+
+CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop,
+                      const CycleHook& onCycle) {
   PrepareCycles(state);
-  const bool refinement = IsRefinement(state.controls) && state.parameters > 0;
-  const int cycles = refinement ? std::max(state.controls.cycles, 1) : 1;
-  for (int cycle = 1; cycle <= cycles; ++cycle) {
-    Progress(state, reporter, " L.S. cycles started");
-    if (!Sweep(state)) return CycleStatus::kFailed;
-    state.summary.cycles = cycle;
-    if (!refinement) {
-      ComputeResiduals(state);
-      if (!state.controls.calculation) ListResiduals(state);
-      return CycleStatus::kOk;
-    }
+  if (!IsRefinement(state.controls) || state.parameters == 0) return CalculateOnce(state);
+  const int cycles = std::max(state.controls.cycles, 1);
+  CycleSummary& s = state.summary;
+  Progress(state, reporter, " L.S. cycles started");
+  if (!SweepAndResiduals(state)) return CycleStatus::kFailed;
+  if (const std::string point = NonFinitePoint(state);
+      !point.empty() || !std::isfinite(SumOfSquares(state.summary))) {
+    const std::string line = " Non-finite calculated value at the start, " +
+                             (point.empty() ? std::string("in the sum of squares") : point);
+    state.list.Line(line);
+    reporter.LogLine(line);
+    return CycleStatus::kNonFinite;
+  }
+  BestCycle best{0, SumOfSquares(state.summary), ModelSnapshot::Of(state), {}, 0, {}};
+  MarquardtFactor marquardt;
+  int cycle = 1, rejectedInRow = 0;
+  double lastSum = best.sum;
+  for (;;) {
     Progress(state, reporter, " Matrix calculations done");
-    if (!state.restraints.empty()) Restrain(state);
-    DampAndMirror(state);
-    if (!CheckDiagonal(state)) return CycleStatus::kFailed;
-    HoldParameters(state);
-    SolveAndScale(state);
+    const SweepSnapshot swept = SweepSnapshot::Of(state);
+    const ModelSnapshot before = ModelSnapshot::Of(state);
+    const int floored = NegativeWidthCount(state);
+    state.list.Hold();
+    const Try t = TryStep(state, cycle, marquardt.Value());
+    if (t.failed) {
+      state.list.Release();
+      return CycleStatus::kFailed;
+    }
     Progress(state, reporter, " Matrix inversion done");
-    DampOscillation(std::span<float>(state.shifts.data(), state.parameters), state.work.lastShifts);
-    state.resultRecords = ApplyShifts(state, cycle);
-    TestBlocks(state);
-    ListResiduals(state);
+    const SweepSnapshot step = SweepSnapshot::Of(state);  // the cycle's figures and covariance
+    std::string why = t.nonFinite.empty() ? "" : "non-finite " + t.nonFinite;
+    if (why.empty() && !SweepAndResiduals(state)) {
+      state.list.Release();
+      return CycleStatus::kFailed;
+    }
+    if (why.empty()) {
+      const std::string point = NonFinitePoint(state);
+      if (!point.empty()) why = "non-finite calculated value at " + point;
+    }
+    if (why.empty() && NegativeWidthCount(state) > floored) {
+      why = "U, V, W give a negative squared width at more reflections";
+    }
+    const double sum = SumOfSquares(state.summary);
+    if (why.empty() && !NotHigher(sum, best.sum)) {
+      why = FormatLine("('sum of squares',E12.4,' above the lowest',E12.4)", sum, best.sum);
+    }
+    if (!why.empty()) {
+      state.list.Drop();
+      before.RestoreInto(state);
+      swept.RestoreInto(state);
+      ListRejected(state, reporter, cycle, why, marquardt.Value());
+      marquardt.Raise();
+      ++s.rejectedTries;
+      if (++rejectedInRow < kMaxRejectedTries && !stop) continue;
+      s.end = stop ? CycleEnd::kStopped : CycleEnd::kDiverging;
+      state.list.Line(FormatLine("(/' Step control gave up after',I2,' rejected tries: diverging')",
+                                 rejectedInRow));
+      break;
+    }
+    state.list.Release();
+    reporter.LogLine(t.shiftLine);
+    state.resultRecords = t.records;
     if (!WriteResultRecords(state.temporary.Name(), state.resultRecords)) {
       state.list.Line(" Error writing the temporary parameter file");
       return CycleStatus::kFailed;
     }
-    ShiftStatistics(state, reporter);
-    if (state.controls.termination > std::abs(state.summary.largestRatio) || stop) break;
+    rejectedInRow = 0;
+    marquardt.Lower();
+    s.cycles = s.keptCycle = cycle;
+    lastSum = sum;
+    if (sum < best.sum) {
+      best = {cycle,
+              sum,
+              ModelSnapshot::Of(state),
+              t.records,
+              step.summary.largestRatio,
+              step.summary.largestName};
+    }
+    ReportCycle(state, step, cycle, onCycle);
+    s.end = EndOf(state, step.summary, stop, cycle, cycles);
+    if (s.end != CycleEnd::kRunning) {
+      // The outputs stand on the cycle's own sweep, before its shifts, as in every cycle.
+      const CycleSummary kept = s;
+      step.RestoreInto(state);
+      s.cycles = kept.cycles;
+      s.keptCycle = kept.keptCycle;
+      s.rejectedTries = kept.rejectedTries;
+      s.end = kept.end;
+      break;
+    }
     Progress(state, reporter, " Shifts applied");
+    ++cycle;
+    Progress(state, reporter, " L.S. cycles started");
   }
-  return CycleStatus::kOk;
+  return KeepBest(state, best, lastSum) ? CycleStatus::kOk : CycleStatus::kFailed;
 }
 
 }  // namespace kaldena

@@ -2,15 +2,18 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 
 #include "engine/engine_state.h"
+#include "engine/run_summary.h"
 #include "util/report.h"
 
 namespace kaldena {
 
 enum class CycleStatus {
   kOk = 0,
-  kFailed = 1,  // a zero derivative or an illegal profile, told in the list file
+  kFailed = 1,     // a zero derivative or an illegal profile, told in the list file
+  kNonFinite = 2,  // the start model gives a non-finite pattern: no finite state to keep
 };
 
 // Ties every point to its reflections; false after " EXCESSIVE PEAK OVERLAP", "NO REFLECTIONS
@@ -25,8 +28,12 @@ void PrepareCycles(EngineState& state);
 // refinement, the normal equations. False when a point failed (told in the list file).
 bool Sweep(EngineState& state);
 
+using CycleHook = std::function<void(const CycleReport&)>;
+
 // Runs the cycles of a refinement, or the one sweep of a calculation or comparison. A set
 // `stop` ends the refinement after the current cycle, as if the shifts had converged.
-CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop);
+// `onCycle`, when set, sees the figures and the pattern of every accepted cycle.
+CycleStatus RunCycles(EngineState& state, Reporter& reporter, const std::atomic<bool>& stop,
+                      const CycleHook& onCycle = {});
 
 }  // namespace kaldena

@@ -176,6 +176,7 @@ int WritePhase(EngineState& state, Reporter& reporter, int p, const PhaseTable& 
   const float bragg = base != 0 ? static_cast<float>(std::min(100 * sumDiff / base, 999.99)) : 0.0f;
   list.Text(Format("(/' DERIVED BRAGG R-FACTOR =',F7.2)", bragg));
   reporter.LogLine(FormatLine("(' BRAGG R-FACTOR =',F7.2)", bragg));
+  state.summary.phaseFits.push_back({bragg, number});
   const CycleSummary& s = state.summary;
   state.resultRecords.push_back(MakeRecord("RVAL", "i4,i6,i5,5f10.4,i5", state.parameters,
                                            s.points, number, s.rp, s.rwp, s.chi2, bragg,

@@ -205,10 +205,28 @@ struct CycleWork {
   PointReflections reach;
 };
 
+// A phase's fit as the output stage finds it.
+struct PhaseFit {
+  float braggR = 0;     // derived Bragg R-factor, percent
+  int reflections = 0;  // in the range and outside the excluded regions
+};
+
+// How the cycles of a refinement ended.
+enum class CycleEnd {
+  kRunning = 0,
+  kConverged,   // by the shift test; also every calculation and comparison
+  kCycleLimit,  // the cycle count was used up
+  kStopped,     // the stop flag
+  kDiverging,   // the step control rejected too many tries in a row
+};
+
 // What the cycles leave for the output stage and the caller: the residuals of the last
 // sweep and the shifts of the last cycle.
 struct CycleSummary {
-  int cycles = 0;  // cycles run
+  int cycles = 0;         // accepted cycles run
+  int keptCycle = 0;      // the cycle whose parameters the run keeps (0: the start)
+  int rejectedTries = 0;  // steps that the step control rejected, over the run
+  CycleEnd end = CycleEnd::kRunning;
   int points = 0;  // points that took part
   float rp = 0, rwp = 0, rpBackground = 0, chi2 = 0;
   float durbinWatson = 0, durbinWatsonWeighted = 0;
@@ -220,6 +238,7 @@ struct CycleSummary {
   float largestRatio = 0, averageRatio = 0;  // shift / esd
   std::string largestName;
   double condition = 0;
+  std::vector<PhaseFit> phaseFits;  // one per phase, from the output stage
 };
 
 struct EngineState {

@@ -16,7 +16,28 @@ void ListFile::Line(std::string_view text) {
   Text("\n");
 }
 
+void ListFile::Hold() { holding_ = true; }
+
+void ListFile::Release() {
+  holding_ = false;
+  Write(held_);
+  held_.clear();
+}
+
+void ListFile::Drop() {
+  holding_ = false;
+  held_.clear();
+}
+
 void ListFile::Text(std::string_view text) {
+  if (holding_) {
+    held_ += text;
+  } else {
+    Write(text);
+  }
+}
+
+void ListFile::Write(std::string_view text) {
   if (file_.is_open()) file_.write(text.data(), static_cast<std::streamsize>(text.size()));
   for (char c : text) {
     if (!lastOpen_) {

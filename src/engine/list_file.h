@@ -24,10 +24,20 @@ class ListFile {
 
   const std::vector<std::string>& Lines() const { return lines_; }
 
+  // Text written from Hold on waits until Release writes it or Drop discards it: the listing
+  // of a least-squares step that may still be rejected.
+  void Hold();
+  void Release();
+  void Drop();
+
  private:
+  void Write(std::string_view text);
+
   std::ofstream file_;
   std::vector<std::string> lines_;
   bool lastOpen_ = false;
+  bool holding_ = false;
+  std::string held_;
 };
 
 }  // namespace kaldena

@@ -83,6 +83,19 @@ int LStart(int cls, int h, int k, int lmax, int lStep) {
   }
 }
 
+// The centring words as the loops see a cell whose k and l run swapped: B centring (h + l
+// even) becomes C (h + k even) and C becomes B; A and I stay.
+std::vector<GeneratorWord> WordsWithKlSwapped(std::vector<GeneratorWord> words) {
+  for (GeneratorWord& w : words) {
+    if (w == kBCentringWord) {
+      w = kCCentringWord;
+    } else if (w == kCCentringWord) {
+      w = kBCentringWord;
+    }
+  }
+  return words;
+}
+
 }  // namespace
 
 LatticeStepping LatticeSteppingOf(const std::vector<GeneratorWord>& words) {
@@ -94,16 +107,16 @@ LatticeStepping LatticeSteppingOf(const std::vector<GeneratorWord>& words) {
       s.hkTerm = 2;
       break;
     }
-    if (w == 576) {
+    if (w == kACentringWord) {
       s.lStep = 2;
       s.kRule = 2;
-    } else if (w == 516) {
+    } else if (w == kBCentringWord) {
       s.lStep = 2;
       s.lRule = 2;
-    } else if (w == 68) {
+    } else if (w == kCCentringWord) {
       s.kStep = 2;
       s.hRule = 2;
-    } else if (w == 580) {
+    } else if (w == kICentringWord) {
       s.lModulus = 2;
       s.lStep = 2;
     }
@@ -119,15 +132,16 @@ LatticeStepping LatticeSteppingOf(const std::vector<GeneratorWord>& words) {
 }
 
 int LoopClass(const SpaceGroupInfo& info) {
-  const bool bodyCentred = !info.generatorWords.empty() && info.generatorWords.front() == 580;
+  const bool bodyCentred = !info.generatorWords.empty() && info.generatorWords.front() == kICentringWord;
   return info.laueClass >= 13 && bodyCentred ? info.laueClass + 2 : info.laueClass;
 }
 
 void ForEachLoopIndex(const SpaceGroupInfo& info, const Hkl& limits,
                       const std::function<void(const Hkl&)>& visit) {
-  const LatticeStepping s = LatticeSteppingOf(info.generatorWords);
-  const int cls = LoopClass(info);
   const bool swapKl = info.laueClass == 2 && info.uniqueAxis == 3;
+  const LatticeStepping s = LatticeSteppingOf(swapKl ? WordsWithKlSwapped(info.generatorWords)
+                                                     : info.generatorWords);
+  const int cls = LoopClass(info);
   const int hmax = limits[0];
   const int kmax = swapKl ? limits[2] : limits[1];
   const int lmax = swapKl ? limits[1] : limits[2];

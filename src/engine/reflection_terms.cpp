@@ -69,6 +69,14 @@ float Width(const RefinableRow<kPhaseSlots>& v, int first, float t) {
   return width > 0 ? width : 0.01f;
 }
 
+// The width whose slope the U, V, W rows take: the width itself where the square is positive;
+// under the floor, where the width does not follow U, V, W at all, the root of the square's
+// magnitude, so that a step sized by it can lead the square back above 0.
+float SlopeWidth(const RefinableRow<kPhaseSlots>& v, int first, float t) {
+  const float squared = v[first].value * t * t + v[first + 1].value * t + v[first + 2].value;
+  return squared > 0 ? Width(v, first, t) : std::sqrt(std::max(-squared, 0.0001f));
+}
+
 // Per atom, the sums over the operators: plain, weighted by h' (x, y, z) and by the products
 // of h' that belong to the six beta values.
 struct AtomSums {
@@ -176,6 +184,7 @@ struct Geometry {
   float q = 0, s2 = 0, lambda1 = 0, lambda2 = 0, t = 0, cosTheta = 1, sin2Theta = 0, p = 0;
   float width = 0, rightWidth = 0, c3 = 0, fault = 0;
   float uvwWidth = 0, rightUvwWidth = 0;  // the parts of the widths that U, V, W give
+  float uvwSlope = 0, rightUvwSlope = 0;  // SlopeWidth of each side
   Orientation o;
 };
 
@@ -209,13 +218,13 @@ void PhaseRows(const EngineState& state, const Phase& phase, const Geometry& g, 
   row.Add(v[kShapeA + 1], f2 * shape2);
   if (!voigt) row.Add(v[kShapeA + 2], f2 * g.p * g.p);
   const std::array<float, 3> uvw = {g.t * g.t, g.t, 1};
-  for (int i = 0; i < 3; ++i) row.Add(v[kHalfwidthU + i], f2 * 0.5f / g.uvwWidth * uvw[i]);
+  for (int i = 0; i < 3; ++i) row.Add(v[kHalfwidthU + i], f2 * 0.5f / g.uvwSlope * uvw[i]);
   if (profile == 6) {
     row.Add(v[kRightShapeA], f2);
     row.Add(v[kRightShapeA + 1], f2 * g.p);
     row.Add(v[kRightShapeA + 2], f2 * g.p * g.p);
     for (int i = 0; i < 3; ++i) {
-      row.Add(v[kRightHalfwidthU + i], f2 * 0.5f / g.rightUvwWidth * uvw[i]);
+      row.Add(v[kRightHalfwidthU + i], f2 * 0.5f / g.rightUvwSlope * uvw[i]);
     }
   }
   const float sinCos = std::sqrt(g.s2 * g.lambda2 * 4 * (1 - g.s2 * g.lambda2 * 4));
@@ -286,12 +295,14 @@ void ReflectionTerms(EngineState& state, int r) {
   store.Value(ReflectionStore::kShapeParameter, r) = shape;
   const float sizeWidth = kDegree * g.lambda1 * v[kSize].value / g.cosTheta;
   g.uvwWidth = Width(v, kHalfwidthU, g.t);
+  g.uvwSlope = SlopeWidth(v, kHalfwidthU, g.t);
   g.width = g.uvwWidth + sizeWidth;
   store.Value(ReflectionStore::kHalfwidth, r) = g.width;
   if (profile == 6) {
     store.Value(ReflectionStore::kRightShape, r) =
         v[kRightShapeA].value + pShape * (v[kRightShapeA + 1].value + pShape * v[kRightShapeA + 2].value);
     g.rightUvwWidth = Width(v, kRightHalfwidthU, g.t);
+    g.rightUvwSlope = SlopeWidth(v, kRightHalfwidthU, g.t);
     g.rightWidth = g.rightUvwWidth + sizeWidth;
     store.Value(ReflectionStore::kRightHalfwidth, r) = g.rightWidth;
   }

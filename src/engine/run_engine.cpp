@@ -1,6 +1,8 @@
 #include "engine/run_engine.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +11,7 @@
 #include "engine/cycles.h"
 #include "engine/engine_input.h"
 #include "engine/engine_output.h"
+#include "engine/model_warnings.h"
 #include "engine/run_files.h"
 #include "store/record_store.h"
 #include "util/column_format.h"
@@ -42,7 +45,85 @@ void DebugWord(bool debug, Reporter& reporter, std::string_view word) {
 struct ProjectRun {
   bool ok = false;
   std::string parameterFile;  // the run's output parameter file
+  RunSummary summary;
 };
+
+RunOutcome OutcomeOf(CycleEnd end) {
+  switch (end) {
+    case CycleEnd::kCycleLimit:
+      return RunOutcome::kCycleLimit;
+    case CycleEnd::kStopped:
+      return RunOutcome::kStopped;
+    case CycleEnd::kDiverging:
+      return RunOutcome::kDiverging;
+    default:
+      return RunOutcome::kConverged;
+  }
+}
+
+// The list file's reason for a failure: its last line that says something, with the lines of
+// the same kind just before it (" Zero derivative for" one per parameter).
+std::string ReasonOf(const ListFile& list) {
+  const std::vector<std::string>& lines = list.Lines();
+  auto last = std::find_if(lines.rbegin(), lines.rend(),
+                           [](const std::string& l) { return !Trimmed(l).empty(); });
+  if (last == lines.rend()) return {};
+  const std::string kind = last->substr(0, 12);
+  auto first = last;
+  while (first + 1 != lines.rend() && (first + 1)->starts_with(kind)) ++first;
+  std::string reason;
+  for (auto l = first;; --l) {
+    reason += std::string(Trimmed(*l));
+    if (l == last) break;
+    reason += "\n";
+  }
+  return reason;
+}
+
+// The figures of the kept cycle and the output stage.
+void FillSummary(const EngineState& state, RunSummary& summary) {
+  const CycleSummary& s = state.summary;
+  summary.outcome = OutcomeOf(s.end);
+  summary.cycles = s.cycles;
+  summary.rejectedSteps = s.rejectedTries;
+  summary.keptCycle = s.keptCycle;
+  summary.rp = s.rp;
+  summary.rwp = s.rwp;
+  summary.chi2 = s.chi2;
+  summary.gof = std::sqrt(std::max(s.chi2, 0.0f));
+  summary.rexp = summary.gof > 0 ? s.rwp / summary.gof : 0.0f;
+  summary.largestRatio = s.largestRatio;
+  summary.largestName = std::string(Trimmed(s.largestName));
+  for (size_t p = 0; p < s.phaseFits.size() && p < state.phases.size(); ++p) {
+    summary.phases.push_back(
+        {state.phases[p].title, s.phaseFits[p].braggR, s.phaseFits[p].reflections});
+  }
+  summary.parameters = state.parameters;
+  summary.points = s.points;
+  summary.reflections = state.reflections.Count();
+  const RunFileNames& f = state.files;
+  summary.outputFiles = {f.list, f.summary, f.fourier};
+  if (IsRefinement(state.controls)) summary.outputFiles.push_back(f.parameters);
+}
+
+// The input, span, cycle and output stages; false with the failed stage named in the summary.
+bool RunStages(EngineState& state, RecordStore& store, const EngineRequest& request,
+               const std::atomic<bool>& stop, Reporter& reporter, RunSummary& summary) {
+  summary.failedStage = "input";
+  if (ReadEngineInput(state, store, reporter) != InputStatus::kOk) return false;
+  DebugWord(state.debug, reporter, "Input done");
+  summary.failedStage = "reflections";
+  if (!AssignSpans(state)) return false;
+  DebugWord(state.debug, reporter, "Assignment done");
+  summary.failedStage = "cycles";
+  if (RunCycles(state, reporter, stop, request.onCycle) != CycleStatus::kOk) return false;
+  DebugWord(state.debug, reporter, "Iterations done");
+  summary.warnings = ListWarnings(state);
+  summary.failedStage = "output";
+  if (WriteEngineOutput(state, reporter) != OutputStatus::kOk) return false;
+  summary.failedStage.clear();
+  return true;
+}
 
 // The stages of one project. A failure leaves the project and its parameter file as they
 // were, with the reason in the list file.
@@ -50,24 +131,29 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
                       Reporter& reporter) {
   static const std::atomic<bool> kNeverStop{false};
   const std::atomic<bool>& stop = request.stop ? *request.stop : kNeverStop;
+  const auto clock = std::chrono::steady_clock::now();
   ProjectRun run;
+  RunSummary& summary = run.summary;
+  summary.project = project;
   EngineState state;
   ZeroEngineState(state);
   state.debug = request.debug;
   DebugWord(state.debug, reporter, "Zero done");
   const int started = ClockSeconds();
   RecordStore store(reporter);
+  summary.failedStage = "files";
   if (SetUpRunFiles(project, state, store, reporter) != RunFilesStatus::kOk) return run;
   run.parameterFile = state.files.parameters;
   DebugWord(state.debug, reporter, "Files done");
-  const bool ok = ReadEngineInput(state, store, reporter) == InputStatus::kOk &&
-                  (DebugWord(state.debug, reporter, "Input done"), AssignSpans(state)) &&
-                  (DebugWord(state.debug, reporter, "Assignment done"),
-                   RunCycles(state, reporter, stop) == CycleStatus::kOk) &&
-                  (DebugWord(state.debug, reporter, "Iterations done"),
-                   WriteEngineOutput(state, reporter) == OutputStatus::kOk);
+  const bool ok = RunStages(state, store, request, stop, reporter, summary);
   state.list.Close();
-  if (!ok) return run;
+  summary.elapsedSeconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - clock).count();
+  if (!ok) {
+    summary.reason = ReasonOf(state.list);
+    return run;
+  }
+  FillSummary(state, summary);
   DebugWord(state.debug, reporter, "Output done");
   const int elapsed = ElapsedSeconds(started, ClockSeconds());
   const std::string seconds = Format("(i7,' seconds elapsed'//)", elapsed);
@@ -76,6 +162,9 @@ ProjectRun RunProject(const std::string& project, const EngineRequest& request,
   // with the state.
   if (IsRefinement(state.controls) && !state.temporary.RenameOver(state.files.parameters)) {
     reporter.LogLine("Error updating output parameter file");
+    summary.outcome = RunOutcome::kFailed;
+    summary.failedStage = "update";
+    summary.reason = "Error updating output parameter file";
     return run;
   }
   run.ok = true;
@@ -141,6 +230,11 @@ void UpdateAll(const EngineRequest& request, BatchMode mode, Reporter& reporter,
   }
 }
 
+void AddRun(const ProjectRun& run, EngineResult& result) {
+  result.runs.push_back(run.summary);
+  result.outcome = WorseOutcome(result.outcome, run.summary.outcome);
+}
+
 EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& reporter) {
   EngineResult result;
   static constexpr const char* kNames[] = {"", "mlt", "exp", "edt"};
@@ -163,6 +257,7 @@ EngineResult RunBatch(const EngineRequest& request, BatchMode mode, Reporter& re
       if (!lines.empty()) ApplyRecordLines(project, lines, reporter);
     }
     const ProjectRun run = RunProject(project, request, reporter);
+    AddRun(run, result);
     if (!run.ok) {
       result.status = 1;
       return result;
@@ -204,7 +299,9 @@ EngineResult RunEngine(const EngineRequest& request, Reporter& reporter) {
   const BatchMode mode = BatchModeOf(request.fileName);
   if (mode != BatchMode::kProject) return RunBatch(request, mode, reporter);
   EngineResult result;
-  result.status = RunProject(std::string(Trimmed(request.fileName)), request, reporter).ok ? 0 : 1;
+  const ProjectRun run = RunProject(std::string(Trimmed(request.fileName)), request, reporter);
+  AddRun(run, result);
+  result.status = run.ok ? 0 : 1;
   return result;
 }
 

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
+#include "engine/run_summary.h"
 #include "util/report.h"
 
 namespace kaldena {
@@ -31,11 +34,15 @@ struct EngineRequest {
   // Set from another thread (a Stop button, Ctrl+C): the refinement ends after the current
   // cycle with its results written.
   const std::atomic<bool>* stop = nullptr;
+  // Called on the engine's thread after every accepted cycle of a refinement.
+  std::function<void(const CycleReport&)> onCycle;
 };
 
 struct EngineResult {
   int status = 0;              // 0 all runs ended well, 1 a stage failed
   std::string currentProject;  // the project the application should reopen after a batch
+  std::vector<RunSummary> runs;  // one per project run, in order
+  RunOutcome outcome = RunOutcome::kConverged;  // the worst of the runs
 };
 
 // Runs every project of the request. Log lines and questions go to `reporter`; the question

@@ -62,8 +62,11 @@ constexpr Command kCommands[] = {
      "run the engine on a project (.rec), or on each project of a batch (.mlt list, .exp "
      "chain, .edt edits): list file, summary, Fourier file and, for a refinement, the updated "
      "parameter file, beside the project unless its PW.. records name another place; Ctrl+C "
-     "ends a refinement after the current cycle. After a .mlt or .edt "
-     "batch --update-all takes every parameter file over as its project",
+     "ends a refinement after the current cycle. After a .mlt or .edt batch --update-all "
+     "takes every parameter file over as its project. One line per cycle (Rwp, CHI2, largest "
+     "shift/esd) and a closing summary; exit code 0 converged, cycle limit reached or "
+     "stopped, 1 failed (the list file's reason is printed), 3 diverging (the best cycle is "
+     "kept); a batch gives the worst of its runs",
      kaldena::RunCommand},
     {"update", "kalden update PROJECT", "parameter file over project file",
      "copy the project's output parameter file (PWPR, or %BASE.par beside the project) over "

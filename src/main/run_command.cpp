@@ -7,9 +7,11 @@
 #include <vector>
 
 #include "engine/run_engine.h"
+#include "engine/run_report.h"
 #include "main/commands.h"
 #include "store/job_records.h"
 #include "store/record_store.h"
+#include "util/column_format.h"
 #include "util/file_names.h"
 #include "util/report.h"
 
@@ -21,6 +23,14 @@ namespace {
 std::atomic<bool> stopRequested{false};
 
 extern "C" void RequestStop(int) { stopRequested = true; }
+
+// One line per accepted cycle, beside the engine's own log lines.
+void LogCycle(Reporter& reporter, const CycleReport& c) {
+  reporter.LogLine(
+      FormatLine("('Cycle',I4,':  Rwp =',F7.2,'  CHI2 =',F9.2,'  max shift/esd',"
+                 "F9.2,' (',A,')')",
+                 c.cycle, c.rwp, c.chi2, c.largestRatio, c.largestName));
+}
 
 }  // namespace
 
@@ -43,10 +53,10 @@ int RunCommand(const std::vector<std::string>& args) {
   request.stop = &stopRequested;
   std::signal(SIGINT, RequestStop);
   ConsoleReporter reporter(updateAll);
+  request.onCycle = [&reporter](const CycleReport& c) { LogCycle(reporter, c); };
   const EngineResult result = RunEngine(request, reporter);
   std::signal(SIGINT, SIG_DFL);
-  if (result.status != 0) reporter.LogLine("Refinement interupted");
-  return result.status == 0 ? 0 : 1;
+  return TellOutcome(result, reporter);
 }
 
 int UpdateCommand(const std::vector<std::string>& args) {

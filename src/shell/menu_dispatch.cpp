@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "shell/engine_job.h"
 #include "shell/main_window.h"
 #include "shell/preferences.h"
 #include "shell/project_lifecycle.h"
@@ -113,6 +114,8 @@ void ViewOutput(ShellContext& shell, const Entry&) {
   StartEditor(shell, InProjectDir(shell.state, shell.state.listFileName));
 }
 void UpdateRun(ShellContext& shell, const Entry&) { UpdateAndRun(shell.state, shell.toolkit); }
+// Outside a job there is nothing to stop; during one the job's own loop takes the command.
+void StopRun(ShellContext&, const Entry&) { RunStopFlag() = true; }
 
 // --- Plot
 void FullPattern(ShellContext& shell, const Entry& entry) {
@@ -131,9 +134,10 @@ void Structure(ShellContext& shell, const Entry& entry) { PlotStructure(shell, e
 // --- Fourier
 void FourierCalculation(ShellContext& shell, const Entry&) {
   if (!RequireProject(shell)) return;
-  ShellReporter reporter(shell.state, shell.toolkit);
   const std::string project = ProjectFile(shell);
-  StartFourier(project, FourierFileOf(project, reporter), reporter);
+  RunShellJob(shell.state, shell.toolkit, [&project](Reporter& reporter) {
+    StartFourier(project, FourierFileOf(project, reporter), reporter);
+  });
 }
 void FourierOptions(ShellContext& shell, const Entry& entry) {
   Run(shell, entry, shell.routines.fourierOptions);
@@ -259,6 +263,7 @@ constexpr std::array kMenu = {
     Entry{menu::kRunProject, kRunMenu, "Run", "", RunCommand},
     Entry{menu::kViewOutput, kRunMenu, "View output", "", ViewOutput},
     Entry{menu::kUpdateAndRun, kRunMenu, "Update and run", "Ctrl+U", UpdateRun},
+    Entry{menu::kStopRun, kRunMenu, "Stop", "Esc", StopRun},
     Entry{menu::kFullPattern, kPlot, "Full pattern", "F1", FullPattern},
     Entry{menu::kPlotOptions, kPlot, "Plot options", "", PlotOptions},
     Entry{menu::kPlotHalfwidths, kPlot, "Plot halfwidths", "F2", Halfwidths},

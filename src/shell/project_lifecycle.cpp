@@ -5,7 +5,9 @@
 #include <fstream>
 
 #include "engine/run_engine.h"
+#include "engine/run_report.h"
 #include "shell/default_project.h"
+#include "shell/engine_job.h"
 #include "shell/preferences.h"
 #include "shell/shell_services.h"
 #include "store/record_catalogue.h"
@@ -338,13 +340,12 @@ int RunProject(ShellState& state, Toolkit& toolkit) {
   EngineRequest request;
   request.fileName = StrippedText(state.projectFileName);
   request.debug = state.debugMode != 0;
-  const EngineResult result = RunEngine(request, reporter);
+  const EngineResult result = RunEngineJob(state, toolkit, request);
+  TellOutcome(result, reporter);
   if (result.status == 0) {
     if (state.plotMode > 2) state.plotMode = 1;
     state.reloadPlotData = 1;
     ShowPattern(state, toolkit);
-  } else {
-    LogLine(state, toolkit, "Refinement interupted");
   }
   return result.status;
 }

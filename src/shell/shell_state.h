@@ -23,6 +23,7 @@ inline constexpr int kPlot = 40007;
 inline constexpr int kDebug = 40013;
 inline constexpr int kEditProject = 40014;
 inline constexpr int kOpenProject = 40016;
+inline constexpr int kNewProject = 40017;   // the popup
 inline constexpr int kRecentFirst = 40018;  // to 40021
 inline constexpr int kNewFromCif = 40023;
 inline constexpr int kUpdateProject = 40024;
@@ -41,6 +42,7 @@ inline constexpr int kBackupProject = 40059;
 inline constexpr int kRestoreProject = 40060;
 inline constexpr int kDeletePhase = 40067;
 inline constexpr int kDeletePhase1 = 40068;  // to 40077 for phase 10
+inline constexpr int kStopRun = 40086;       // ends a running job after its current cycle
 }  // namespace menu
 
 // The eight numbers of JOBT as the shell keeps them; defaults when the record is absent.
@@ -67,6 +69,9 @@ struct ShellHooks {
   std::function<void(ShellState&, Toolkit&)> editNewProject;
   // Fills the phase model of a new project from a CIF; true on success.
   std::function<bool(ShellState&, Toolkit&, const std::string& cif, NewPhase& phase)> importCif;
+  // Called on the job's thread after each refinement cycle has been shown: lets tests hold
+  // the engine inside a run.
+  std::function<void(int cycle)> afterCycleShown;
 };
 
 inline constexpr int kRecentSlots = 4;

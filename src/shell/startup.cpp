@@ -56,6 +56,7 @@ void StartUp(ShellContext& shell) {
   // The recent list is written back only once a project was taken in this session.
   state.recentWritingAllowed = false;
   EnableProjectMenus(state, toolkit, 0);
+  toolkit.WMenuSetState(menu::kStopRun, kMenuItemEnabled, 0);  // on while a job runs
   state.projectFileName.clear();
   state.projectTitle.clear();
 

@@ -1,12 +1,11 @@
 // The scripted, display-free toolkit.
 #include "toolkit/headless_toolkit.h"
 
-#include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 #include <sstream>
 
+#include "util/file_copy.h"
 #include "util/text.h"
 
 namespace kaldena {
@@ -19,15 +18,6 @@ std::string NumberText(double value) {
   std::ostringstream out;
   out << value;
   return out.str();
-}
-
-// Root may write anywhere; the desktop's user may not write a read-only file, and the tests
-// depend on that, so the permission bits are honoured here whoever runs the program.
-bool WriteProtected(const fs::path& file) {
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (error || !fs::exists(status)) return false;
-  return (status.permissions() & fs::perms::owner_write) == fs::perms::none;
 }
 
 }  // namespace
@@ -312,13 +302,10 @@ void ScriptedToolkit::IOsDirChange(std::string_view directory) {
 }
 
 void ScriptedToolkit::IOsCopyFile(std::string_view from, std::string_view to) {
-  const fs::path source{std::string(Trimmed(from))};
-  const fs::path target{std::string(Trimmed(to))};
-  std::error_code error;
-  bool ok = fs::is_regular_file(source, error) && !WriteProtected(target);
-  if (ok) ok = fs::copy_file(source, target, fs::copy_options::overwrite_existing, error);
+  const bool ok = CopyFileReplacing(from, to);
   if (!ok) lastError_ = kErrorOsCommand;
-  fileOperations_.push_back(FileOperation{"copy", source.string(), target.string(), ok});
+  fileOperations_.push_back(
+      FileOperation{"copy", std::string(Trimmed(from)), std::string(Trimmed(to)), ok});
 }
 
 void ScriptedToolkit::IOsDeleteFile(std::string_view name, int) {
@@ -329,13 +316,6 @@ void ScriptedToolkit::IOsDeleteFile(std::string_view name, int) {
   fileOperations_.push_back(FileOperation{"delete", file.string(), "", ok});
 }
 
-DateTime ScriptedToolkit::IOsDateTime() {
-  if (fixedTime_) return *fixedTime_;
-  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  std::tm local{};
-  localtime_r(&now, &local);
-  return DateTime{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                  local.tm_hour,        local.tm_min,     local.tm_sec};
-}
+DateTime ScriptedToolkit::IOsDateTime() { return fixedTime_ ? *fixedTime_ : SystemDateTime(); }
 
 }  // namespace kaldena

@@ -214,6 +214,12 @@ class ScriptedToolkit : public Toolkit {
   void WPrintEditOptions() override;
   void WEditPrint(std::string_view) override {}
 
+  void RunJob(const std::function<void()>& job,
+              const std::function<void(const Message&)>&) override {
+    job();
+  }
+  void OnLoopThread(const std::function<void()>& call) override { call(); }
+
   void IOsCommand(const std::vector<std::string>& arguments, int flags) override;
   void IOsDirChange(std::string_view directory) override;
   void IOsCopyFile(std::string_view from, std::string_view to) override;

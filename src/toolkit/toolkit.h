@@ -4,6 +4,7 @@
 // that everything but drawing runs headless (see headless_toolkit.h).
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -38,6 +39,7 @@ enum KeyCode : int {
   kKeyPageDown = 263,
   kKeyHome = 270,
   kKeyEnd = 271,
+  kKeyEscape = 27,
 };
 
 // Push buttons that leave a dialog.
@@ -83,6 +85,9 @@ struct DateTime {
   int year = 0, month = 0, day = 0;
   int hour = 0, minute = 0, second = 0;
 };
+
+// The local date and time of the system's clock, as both toolkits give it.
+DateTime SystemDateTime();
 
 class Toolkit {
  public:
@@ -223,6 +228,16 @@ class Toolkit {
   virtual void WEditSave(int mode) = 0;
   virtual void WPrintEditOptions() = 0;
   virtual void WEditPrint(std::string_view documentName) = 0;
+
+  // --- Jobs
+  // Runs `job` to its end. A screen toolkit runs it on a worker thread and keeps its message
+  // loop going meanwhile, handing each message to `onMessage` on the loop's thread (repaints,
+  // resizes, Stop); the scripted toolkit runs it inline and leaves its queue as it is.
+  virtual void RunJob(const std::function<void()>& job,
+                      const std::function<void(const Message&)>& onMessage) = 0;
+  // Runs `call` on the message loop's thread and waits for it: how a job shows what it does.
+  // On that thread itself, at once.
+  virtual void OnLoopThread(const std::function<void()>& call) = 0;
 
   // --- Operating system
   // Starts a program with its arguments, without waiting and without a shell; error 13 when

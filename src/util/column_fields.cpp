@@ -29,16 +29,6 @@ std::string Fit(bool negative, bool optionalZero, std::string_view body, int wid
   return RightJustified(std::move(text), width);
 }
 
-// gfortran's spelling: "Infinity" where it fits, else "Inf"; no plus sign.
-std::string InfinityOrNan(double value, int width) {
-  if (std::isnan(value)) return width < 3 ? Asterisks(width) : RightJustified("NaN", width);
-  const bool negative = value < 0;
-  const int sign = negative ? 1 : 0;
-  if (width < 3 + sign) return Asterisks(width);
-  const std::string word = width >= 8 + sign ? "Infinity" : "Inf";
-  return RightJustified((negative ? "-" : "") + word, width);
-}
-
 // The decimal digits of |value| as printf would round them (exact binary value, ties to
 // even), which is how gfortran rounds.
 std::string Digits(double value, std::chars_format format, int precision) {
@@ -157,7 +147,7 @@ std::string IntegerField(long long value, int width, int minDigits) {
 // The zero before the point is optional unless there are no decimals; gfortran keeps the
 // minus sign of values that round to zero.
 std::string FixedField(double value, int width, int decimals) {
-  if (!std::isfinite(value)) return InfinityOrNan(value, width);
+  if (!std::isfinite(value)) return Asterisks(width);  // never "NaN" or "Infinity" in a file
   std::string digits = Digits(value, std::chars_format::fixed, decimals);
   if (decimals == 0) digits += '.';
   const bool optionalZero = decimals > 0 && digits[0] == '0';
@@ -167,7 +157,7 @@ std::string FixedField(double value, int width, int decimals) {
 
 // 0.ddddE+xx: the digits of the value rounded to d significant ones, point in front.
 std::string ExponentField(double value, int width, int digits, int exponentDigits) {
-  if (!std::isfinite(value)) return InfinityOrNan(value, width);
+  if (!std::isfinite(value)) return Asterisks(width);  // never "NaN" or "Infinity" in a file
   std::string mantissa(digits, '0');
   int exponent = 0;
   if (value != 0) {

@@ -24,6 +24,24 @@ TEST(ListFile, KeepsLinesAsTheColumnWriterMakesThem) {
   EXPECT_EQ(testing::ReadBytes(path), "\n PHASE  1: Corundum\n\n Rp =  7.50   Rwp =  9.25\n END\n");
 }
 
+TEST(ListFile, HeldTextIsWrittenOnReleaseAndForgottenOnDrop) {
+  testing::ScratchDir dir;
+  const std::string path = (dir.Path() / "run.out").string();
+  ListFile list;
+  ASSERT_TRUE(list.Open(path));
+  list.Line(" BEFORE");
+  list.Hold();
+  list.Line(" REJECTED");
+  list.Drop();
+  list.Hold();
+  list.Text(Format("(' Rp =',F6.2,$)", 7.5f));
+  EXPECT_EQ(list.Lines().size(), 1u);
+  list.Release();
+  list.Line(" AFTER");
+  list.Close();
+  EXPECT_EQ(testing::ReadBytes(path), " BEFORE\n Rp =  7.50 AFTER\n");
+}
+
 TEST(ListFile, WorksWithoutAFile) {
   ListFile list;
   EXPECT_FALSE(list.IsOpen());

@@ -1,7 +1,5 @@
 // Whole runs of the engine: a pattern calculated from a model, then refined from a perturbed
 // start, must give back the model it was made with.
-#include "engine/run_engine.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -9,7 +7,9 @@
 #include <iomanip>
 #include <sstream>
 
+#include "engine/run_engine.h"
 #include "store/record_store.h"
+#include "support/ceria_project.h"
 #include "support/test_files.h"
 #include "util/column_format.h"
 #include "util/text.h"
@@ -18,82 +18,19 @@ namespace kaldena {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::CeriaProject;
 using testing::ReadBytes;
+using testing::RecordValue;
 using testing::ScratchDir;
-
-// CeO2 on Cu K-alpha 1: a cubic cell, two atoms on special positions, pseudo-Voigt peaks on a
-// flat background.
-std::string Project(int job, std::string_view scale, std::string_view cell, std::string_view w,
-                    std::string_view zero) {
-  std::ostringstream p;
-  p << "TITL      CeO2 test pattern\n"
-    << "FRMT          5\n"
-    << "JOBT    " << std::setw(3) << job << "    1    1   -1    0    2    0    1\n"
-    << "PWDT      pattern.xy\n"
-    << "ELAM        1.540560  0.000000  0.000000\n"
-    << "RLIM        12.00000   0.00000   0.00000   0.00000   0.00000   0.00000   0.00000   0.00000\n"
-    << "RELX         10 0.01 1.00 1.00 1.00 1.00  20.00000   0.02000  90.00000\n"
-    << "ANOM      Ce          -1.82500   9.65100\n"
-    << "ANOM      O            0.04920   0.03220\n"
-    << "ZETT      " << zero << "   0.00000   0.00000\n"
-    << "CZET           1.000     0.000     0.000\n"
-    << "BKGR            50.0       0.0\n"
-    << "CBKG           1.000     0.000\n"
-    << "PHTI      Ceria\n"
-    << "PHNA          2  0.0  0.0  1.0  0.0  0.0  1.0  0.0  0.0  1.0\n"
-    << "SPGR      F M -3 M\n"
-    << "SCAL      " << scale << "     0.000\n"
-    << "CSCA           1.000     0.000\n"
-    << "CELL      " << cell << cell << cell << "  90.00000  90.00000  90.00000\n"
-    << "CCEL           1.000     0.000     0.000     0.000     0.000     0.000\n"
-    << "HWTH         0.00500  -0.00500" << w << "\n"
-    << "CHWT           0.000     0.000     1.000\n"
-    << "PKSH         0.40000   0.00000   0.00000\n"
-    << "XYZ       Ce     1  0.00000  0.00000  0.00000  1.00000  0.30000 48  0  0  0\n"
-    << "XYZ       O      2  0.25000  0.25000  0.25000  2.00000  0.60000 24  0  0  0\n";
-  return p.str();
-}
-
-// The calculated curve of a summary file as a two-column pattern.
-void SummaryToPattern(const fs::path& summary, const fs::path& pattern) {
-  std::ifstream in(summary);
-  std::ofstream out(pattern);
-  for (std::string line; std::getline(in, line);) {
-    float x = 0, observed = 0, calculated = 0, background = 0;
-    int code = 0;
-    ASSERT_EQ(Read(line, "(F7.3,3f12.1,I2)", x, observed, calculated, background, code),
-              ReadStatus::kOk);
-    out << x << " " << calculated << "\n";
-  }
-}
-
-float RecordValue(const fs::path& file, std::string_view key, std::string_view layout, int field) {
-  RecordingReporter reporter;
-  RecordStore store(reporter);
-  EXPECT_GT(store.jReadRecFile(file.string()), 0);
-  std::string data;
-  EXPECT_EQ(store.jFindRec(key, data), 1) << key;
-  std::array<float, 6> v{};
-  Read(data, layout, v[0], v[1], v[2], v[3], v[4], v[5]);
-  return v[field];
-}
-
-// The pattern of the model (scale 0.002, a 5.411, W 0.015, zero 0) as pattern.xy in the
-// current directory.
-void SimulatePattern(const ScratchDir& dir, Reporter& reporter) {
-  dir.Write("model.rec", Project(2, " 0.2000E-02", "  5.411000", "   0.01500", "   0.00000"));
-  ASSERT_EQ(RunEngine({"model.rec", false, nullptr}, reporter).status, 0);
-  SummaryToPattern(dir.Path() / "%model.sum", dir.Path() / "pattern.xy");
-}
 
 TEST(Refinement, RecoversTheModelOfASimulatedPattern) {
   ScratchDir dir;
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
   RecordingReporter reporter;
-  SimulatePattern(dir, reporter);
+  testing::SimulateCeriaPattern(dir, reporter);
 
-  dir.Write("start.rec", Project(0, " 0.1700E-02", "  5.405000", "   0.02500", "   0.03000"));
+  dir.Write("start.rec", CeriaProject(0, " 0.1700E-02", "  5.405000", "   0.02500", "   0.03000"));
   const EngineResult refined = RunEngine({"start.rec", false, nullptr}, reporter);
   fs::current_path(old);
   ASSERT_EQ(refined.status, 0) << ReadBytes(dir.Path() / "%start.out");
@@ -119,9 +56,9 @@ TEST(Refinement, AValueGoingBelowItsLimitBlocksAnotherParameter) {
   const fs::path old = fs::current_path();
   fs::current_path(dir.Path());
   RecordingReporter reporter;
-  SimulatePattern(dir, reporter);
+  testing::SimulateCeriaPattern(dir, reporter);
   // The scale (group 1) starts above 0.0022 and falls below it: W (group 2) is held from then.
-  std::string start = Project(0, " 0.2600E-02", "  5.411000", "   0.02500", "   0.00000");
+  std::string start = CeriaProject(0, " 0.2600E-02", "  5.411000", "   0.02500", "   0.00000");
   start = Replaced(start, "CSCA           1.000", "CSCA          11.000");
   start = Replaced(start, "CHWT           0.000     0.000     1.000",
                    "CHWT           0.000     0.000    21.000");
@@ -139,7 +76,7 @@ TEST(Refinement, AValueGoingBelowItsLimitBlocksAnotherParameter) {
   const size_t w = after.find("CYCLE");
   ASSERT_NE(w, std::string::npos);
   const float held = RecordValue(dir.Path() / "%start.par", "HWTH", "(6F10.0)", 2);
-  EXPECT_LT(std::abs(held - 0.015f), 0.0099f);  // moved in the cycles before the block
+  EXPECT_LT(std::abs(held - 0.015f), 0.0099f);            // moved in the cycles before the block
   EXPECT_EQ(after.find("W PHASE 1"), std::string::npos);  // never the largest shift again
 }
 

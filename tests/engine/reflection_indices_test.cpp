@@ -51,9 +51,7 @@ struct Setting {
   std::vector<RefOp> ops;
 };
 
-std::vector<Setting> Settings() {
-  std::vector<Setting> settings;
-  std::ifstream in(testing::TestData("crystal/space_groups.txt"));
+void ReadSettings(std::istream& in, std::vector<Setting>& settings) {
   for (std::string line; std::getline(in, line);) {
     if (line.empty() || line[0] == '#') continue;
     std::vector<std::string> f;
@@ -63,6 +61,15 @@ std::vector<Setting> Settings() {
     std::stringstream ops(f[6]);
     for (std::string op; std::getline(ops, op, ';');) s.ops.push_back(ParseTriplet(op));
     settings.push_back(s);
+  }
+}
+
+// Every setting a symbol can name: the common ones and the other settings of the tables.
+std::vector<Setting> Settings() {
+  std::vector<Setting> settings;
+  for (const char* name : {"crystal/space_groups.txt", "crystal/space_group_settings.txt"}) {
+    std::ifstream in(testing::TestData(name));
+    ReadSettings(in, settings);
   }
   return settings;
 }

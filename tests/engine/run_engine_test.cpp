@@ -118,7 +118,14 @@ TEST(RunEngine, TheStopFlagEndsARefinementAfterItsCycleWithResults) {
   w.WriteRefinement("stop.rec");
   const std::atomic<bool> stop{true};
   RecordingReporter reporter;
-  ASSERT_EQ(RunEngine({"stop.rec", false, &stop}, reporter).status, 0);
+  const EngineResult result = RunEngine({"stop.rec", false, &stop}, reporter);
+  ASSERT_EQ(result.status, 0);
+  ASSERT_EQ(result.runs.size(), 1u);
+  // Unless the one cycle also met the shift test, the run ends as stopped.
+  if (result.runs[0].outcome != RunOutcome::kConverged) {
+    EXPECT_EQ(result.runs[0].outcome, RunOutcome::kStopped);
+  }
+  EXPECT_EQ(result.runs[0].cycles, 1);
   const std::string list = ReadBytes("%stop.out");
   EXPECT_NE(list.find("CYCLE   1"), std::string::npos);
   EXPECT_EQ(list.find("CYCLE   2"), std::string::npos);

@@ -117,6 +117,42 @@ if(NOT out MATCHES "Error opening or reading absent.rec" OR NOT out MATCHES "Ref
 endif()
 expect_run(1 run)
 
+# Exit codes of runs: 0 converged, 1 no finite state to keep (the reason after "Refinement
+# interupted"), 3 diverging with the best cycle kept; a batch gives the worst of its runs.
+set(steps_dir ${CMAKE_CURRENT_BINARY_DIR}/kalden-steps)
+file(REMOVE_RECURSE ${steps_dir})
+file(COPY ${DATA}/main/steps/ DESTINATION ${steps_dir})
+expect_run_in(${steps_dir} 0 run converging.rec)
+if(NOT out MATCHES "\nCycle   1:  Rwp = +[0-9.]+  CHI2 = +[0-9.]+  max shift/esd +-?[0-9.]+ \\(.+\\)\n"
+   OR NOT out MATCHES "\nOutcome: converged\n Rwp = +[0-9.]+  CHI2 = +[0-9.]+  GOF = +[0-9.]+\n"
+   OR NOT out MATCHES "\nOutput: %converging.par\n")
+  message(FATAL_ERROR "no cycle lines or closing summary:\n${out}")
+endif()
+file(READ ${steps_dir}/nonfinite.rec project_before)
+expect_run_in(${steps_dir} 1 run nonfinite.rec)
+if(NOT out MATCHES "Refinement interupted\n Non-finite calculated value at the start, point +[0-9]+")
+  message(FATAL_ERROR "no reason after 'Refinement interupted':\n${out}")
+endif()
+file(READ ${steps_dir}/nonfinite.rec project_after)
+if(NOT project_before STREQUAL project_after OR EXISTS ${steps_dir}/%nonfinite.par)
+  message(FATAL_ERROR "a run without a finite state changed its files")
+endif()
+expect_run_in(${steps_dir} 3 run diverging.rec)
+if(NOT out MATCHES "\nOutcome: diverging\n")
+  message(FATAL_ERROR "no diverging outcome:\n${out}")
+endif()
+foreach(output %converging.out %converging.par %diverging.out %diverging.par %diverging.sum)
+  file(READ ${steps_dir}/${output} text)
+  if(text MATCHES "[Nn][Aa][Nn]|[Ii][Nn][Ff]")
+    message(FATAL_ERROR "${output} holds a non-finite word")
+  endif()
+endforeach()
+expect_run_in(${steps_dir} 3 run worst.mlt)
+expect_run(0 help run)
+if(NOT out MATCHES "exit code 0 converged" OR NOT out MATCHES "3 diverging")
+  message(FATAL_ERROR "help run does not document the exit codes:\n${out}")
+endif()
+
 # The default outputs of a project lie beside it whatever the current directory, where the
 # plot and the update look for them.
 set(beside ${CMAKE_CURRENT_BINARY_DIR}/kalden-beside)

@@ -12,6 +12,7 @@
 #include <map>
 #include <set>
 
+#include "shell/engine_job.h"
 #include "shell/main_window.h"
 #include "shell/project_lifecycle.h"
 #include "support/checked_toolkit.h"
@@ -113,7 +114,8 @@ TEST(MenuTable, HoldsEachIdOnceWithARoutine) {
     EXPECT_NE(entry.routine, nullptr) << entry.id;
     EXPECT_EQ(FindMenuEntry(entry.id), &entry);
   }
-  EXPECT_EQ(ids.size(), 72u);
+  // The 72 of the menu resource and Stop.
+  EXPECT_EQ(ids.size(), 73u);
   EXPECT_EQ(FindMenuEntry(menu::kFile), nullptr);  // a popup, not a command
   EXPECT_EQ(FindMenuEntry(0), nullptr);
 
@@ -252,6 +254,11 @@ std::map<int, Expectation> BuiltCommands() {
                               EXPECT_EQ(s.NewLog()[0], "Project updated");
                               ran(s);
                             }};
+  // Outside a job there is nothing to stop: the flag is set, and the next run clears it.
+  e[menu::kStopRun] = {{}, [](Session& s) {
+                         EXPECT_TRUE(s.NewLog().empty());
+                         EXPECT_TRUE(RunStopFlag());
+                       }};
   e[menu::kViewOutput] = {
       {}, [](Session& s) {
         EXPECT_EQ(s.toolkit.Commands(), (std::vector<Command>{{"editor", s.Path("corundum.out")}}));
