@@ -26,13 +26,14 @@ void Progress(const EngineState& state, Reporter& reporter, std::string_view lin
   if (state.debug) reporter.LogLine(line);
 }
 
-bool TakesPart(const EngineState& state, const SpanReflections& span) {
-  if (span.excluded) return false;
-  return span.first <= span.last || state.controls.job.background < 1;
+bool TakesPart(const EngineState& state, int i) {
+  const PointReflections& reach = state.work.reach;
+  if (reach.Excluded(i)) return false;
+  return !reach.At(i).empty() || state.controls.job.background < 1;
 }
 
-// One pass over the points: reflections as the points reach them, the pattern and, in a
-// refinement, the normal equations.
+}  // namespace
+
 bool Sweep(EngineState& state) {
   CycleWork& w = state.work;
   const int reflections = state.reflections.Count();
@@ -43,18 +44,33 @@ bool Sweep(EngineState& state) {
   state.shifts.fill(0.0f);
   SetBackground(state);
   const bool refinement = IsRefinement(state.controls);
-  int done = 0;  // reflections whose terms stand
+  // A reflection's terms stand from the first point that it reaches to the last.
+  const PointReflections& reach = w.reach;
+  FreeRowSlots(w, reflections);
+  int taken = 0, passed = 0;  // reflections by their first point, and by their last
   state.summary.points = 0;
   for (int i = 0; i < state.points.count; ++i) {
-    const SpanReflections span = ReflectionsOfSpan(w.spans[i]);
-    if (!TakesPart(state, span)) continue;
+    if (!TakesPart(state, i)) continue;
     ++state.summary.points;
-    for (; done <= span.last; ++done) ReflectionTerms(state, done);
+    for (; passed < reflections && reach.lastPoint[reach.byLastPoint[passed]] < i; ++passed) {
+      FreeRowSlot(w, reach.byLastPoint[passed]);
+    }
+    for (; taken < reflections && reach.firstPoint[reach.byFirstPoint[taken]] <= i; ++taken) {
+      ReflectionTerms(state, reach.byFirstPoint[taken]);
+    }
     if (refinement && state.points.weight[i] <= 0) continue;
-    if (PointTerms(state, i, span.first, span.last) != PointStatus::kOk) return false;
+    if (PointTerms(state, i) != PointStatus::kOk) return false;
+  }
+  // Those that reach no point still get their terms, for the outputs.
+  FreeRowSlots(w, reflections);
+  for (; taken < reflections; ++taken) {
+    ReflectionTerms(state, reach.byFirstPoint[taken]);
+    FreeRowSlot(w, reach.byFirstPoint[taken]);
   }
   return true;
 }
+
+namespace {
 
 // The damping of the controls and the Marquardt factor of the step control on the diagonal;
 // a factor of 0 leaves the damping alone.
@@ -157,9 +173,7 @@ std::string ShiftStatistics(EngineState& state) {
 void ComputeResiduals(EngineState& state) {
   const int count = state.points.count;
   std::unique_ptr<bool[]> takesPart(new bool[count]);
-  for (int i = 0; i < count; ++i) {
-    takesPart[i] = TakesPart(state, ReflectionsOfSpan(state.work.spans[i]));
-  }
+  for (int i = 0; i < count; ++i) takesPart[i] = TakesPart(state, i);
   const CycleWork& w = state.work;
   ResidualPoints in;
   in.observed = std::span<const float>(state.points.observed.data(), count);
@@ -241,8 +255,9 @@ void PrepareCycles(EngineState& state) {
   const int points = state.points.count;
   if (IsRefinement(state.controls) && state.parameters > 0) {
     w.normal.assign(static_cast<size_t>(kMaxParameters) * kMaxParameters, 0.0f);
-    w.rows.assign(static_cast<size_t>(kMaxSpanReflections) * kMaxParameters, 0.0f);
+    w.rows.assign(static_cast<size_t>(kMaxReflectionsAtPoint) * kMaxParameters, 0.0f);
   }
+  FreeRowSlots(w, reflections);
   w.phaseAngle.assign(reflections, 0.0f);
   w.background.assign(points, 0.0f);
   w.calculated.assign(points, 0.0f);
@@ -265,7 +280,7 @@ bool AssignSpans(EngineState& state) {
   }
   input.asymmetryLimit = c.rlim[3];
   std::vector<std::string> lines;
-  const SpanStatus status = AssignPointSpans(state.reflections, input, state.work.spans, lines);
+  const SpanStatus status = AssignPointSpans(state.reflections, input, state.work.reach, lines);
   for (const std::string& line : lines) state.list.Line(line);
   return status == SpanStatus::kOk;
 }

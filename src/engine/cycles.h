@@ -24,6 +24,10 @@ bool AssignSpans(EngineState& state);
 // stands after the input.
 void PrepareCycles(EngineState& state);
 
+// One pass over the points: reflections as the points reach them, the pattern and, in a
+// refinement, the normal equations. False when a point failed (told in the list file).
+bool Sweep(EngineState& state);
+
 using CycleHook = std::function<void(const CycleReport&)>;
 
 // Runs the cycles of a refinement, or the one sweep of a calculation or comparison. A set

@@ -191,8 +191,13 @@ enum class RowFactor : unsigned char {
 // Work arrays of the least-squares cycles, allocated by the cycle stage.
 struct CycleWork {
   std::vector<float> normal;  // kMaxParameters x kMaxParameters, row-major, upper part summed
-  std::vector<float> rows;  // ring of kMaxSpanReflections derivative rows, kMaxParameters each
-  std::array<float, kMaxSpanReflections> ringTan{};
+  // The derivative rows (kMaxParameters each) and tan theta of the reflections whose terms
+  // stand, in kMaxReflectionsAtPoint slots: a reflection holds a slot from its terms until
+  // the sweep has passed the last point that it reaches.
+  std::vector<float> rows;
+  std::array<float, kMaxReflectionsAtPoint> slotTan{};
+  std::vector<int> rowSlot;    // per reflection: its slot, -1 for none
+  std::vector<int> freeSlots;  // taken from the back
   std::array<float, kMaxParameters> lastShifts{};
   // Row factor of each parameter for the reflections of each phase.
   std::vector<std::array<RowFactor, kMaxParameters>> factors;
@@ -202,7 +207,7 @@ struct CycleWork {
   // Per point: background, the calculated pattern and each phase's part of it.
   std::vector<float> background, calculated;
   std::vector<std::vector<float>> phaseCalculated;
-  std::vector<int> spans;
+  PointReflections reach;
 };
 
 // A phase's fit as the output stage finds it.

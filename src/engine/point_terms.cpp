@@ -68,7 +68,7 @@ bool EvaluatePeak(const EngineState& state, const PointFrame& f, int r, PeakInpu
   const float fault = phase.values[kStackingFault].value;
   if (fault != 0) p += fault * StackingFaultShift(f.x - f.zeroShift, h, k, l);
   const float asymmetry = phase.values[kAsymmetry].value;
-  peak.tanTheta = state.work.ringTan[RingSlot(r)];
+  peak.tanTheta = state.work.slotTan[RowSlot(state.work, r)];
   peak.rietveld = p <= f.asymmetryLimit && f.profile < 4;
   peak.d = f.x - p - f.zeroShift;
   peak.a = Sign(peak.d) * peak.d * peak.d;
@@ -152,7 +152,7 @@ void SetBackground(EngineState& state) {
   const PatternPoints& points = state.points;
   CycleWork& work = state.work;
   for (int i = 0; i < points.count; ++i) {
-    if (ReflectionsOfSpan(work.spans[i]).excluded) continue;
+    if (work.reach.Excluded(i)) continue;
     float value = 0;
     if (model.kind < 1) {
       const auto basis = BackgroundBasis(model, points.x[i]);
@@ -163,7 +163,7 @@ void SetBackground(EngineState& state) {
   }
 }
 
-PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
+PointStatus CalculatePoint(const EngineState& state, int i, std::span<const int> reflections,
                            PointValues& out, std::vector<std::string>& listLines) {
   const CycleWork& work = state.work;
   const PatternPoints& points = state.points;
@@ -173,7 +173,7 @@ PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
   out.dy.assign(refinement ? np : 0, 0.0f);
   out.phases.assign(state.phases.size(), 0.0f);
   out.reflections.clear();
-  for (int r = first; r <= last; ++r) {
+  for (const int r : reflections) {
     PeakInput in;
     Peak peak;
     if (!EvaluatePeak(state, f, r, in, peak, listLines)) return PointStatus::kFailed;
@@ -184,7 +184,7 @@ PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
     out.reflections.push_back(peak.y);
     if (!refinement) continue;
     if (f.profile == 7) DivergenceDerivatives(state, in, peak);
-    const float* row = &work.rows[static_cast<size_t>(RingSlot(r)) * kMaxParameters];
+    const float* row = &work.rows[static_cast<size_t>(RowSlot(work, r)) * kMaxParameters];
     const auto& factors = work.factors[phaseNumber - 1];
     for (int q = 0; q < np; ++q) {
       if (row[q] != 0) out.dy[q] += Factor(factors[q], peak, f) * row[q] * peak.y;
@@ -208,14 +208,26 @@ PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
   return PointStatus::kOk;
 }
 
-PointStatus PointTerms(EngineState& state, int i, int first, int last) {
+void AddToNormalEquations(EngineState& state, std::span<const float> dy, float w, float diff) {
+  const int np = state.parameters;
+  for (int q = 0; q < np; ++q) {
+    if (dy[q] == 0) continue;
+    const float gq = dy[q] * w;
+    state.shifts[q] += gq * diff;
+    float* m = &state.work.normal[static_cast<size_t>(q) * kMaxParameters];
+    for (int r = q; r < np; ++r) m[r] += gq * dy[r];
+  }
+}
+
+PointStatus PointTerms(EngineState& state, int i) {
   CycleWork& work = state.work;
   PatternPoints& points = state.points;
   const int np = state.parameters;
   const bool refinement = IsRefinement(state.controls) && np > 0;
   PointValues values;
   std::vector<std::string> lines;
-  if (CalculatePoint(state, i, first, last, values, lines) != PointStatus::kOk) {
+  const std::span<const int> reflections = work.reach.At(i);
+  if (CalculatePoint(state, i, reflections, values, lines) != PointStatus::kOk) {
     for (const std::string& line : lines) state.list.Line(line);
     return PointStatus::kFailed;
   }
@@ -233,14 +245,7 @@ PointStatus PointTerms(EngineState& state, int i, int first, int last) {
       w = yt <= 1 ? 1.0f : 1 / yt;
       points.weight[i] = w;
     }
-    const float diff = points.observed[i] - background - y;
-    for (int q = 0; q < np; ++q) {
-      if (dy[q] == 0) continue;
-      const float gq = dy[q] * w;
-      state.shifts[q] += gq * diff;
-      float* m = &work.normal[static_cast<size_t>(q) * kMaxParameters];
-      for (int r = q; r < np; ++r) m[r] += gq * dy[r];
-    }
+    AddToNormalEquations(state, dy, w, points.observed[i] - background - y);
   } else if (state.controls.calculation) {
     points.weight[i] = y + background != 0 ? 1 / (y + background) : 1.0f;
   }
@@ -248,8 +253,10 @@ PointStatus PointTerms(EngineState& state, int i, int first, int last) {
   // Shares of the observed intensity for the extracted intensities of the reflections.
   const float w = points.weight[i];
   const float observed = points.observed.empty() ? 0.0f : points.observed[i];
-  for (int r = first; r <= last; ++r) {
-    const float share = yr[r - first] * state.reflections.Value(ReflectionStore::kStructureFactorSquared, r);
+  for (size_t n = 0; n < reflections.size(); ++n) {
+    const int r = reflections[n];
+    const float share =
+        yr[n] * state.reflections.Value(ReflectionStore::kStructureFactorSquared, r);
     float e = 0, take = 0;
     if (state.controls.job.background < 1) {
       e = y + background != 0 ? share / (y + background) : 0.0f;
@@ -260,7 +267,7 @@ PointStatus PointTerms(EngineState& state, int i, int first, int last) {
     }
     work.observedIntensity[r] += e * take;
     if (w != 0) work.intensityVariance[r] += e * e / w;
-    work.calculatedIntensity[r] += yr[r - first];
+    work.calculatedIntensity[r] += yr[n];
   }
   return PointStatus::kOk;
 }

@@ -2,6 +2,7 @@
 // calculated value to every parameter, and its share of the normal equations.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -18,18 +19,22 @@ enum class PointStatus {
 struct PointValues {
   float y = 0;                     // calculated value, background not included
   std::vector<float> phases;       // each phase's part of it
-  std::vector<float> reflections;  // per reflection of the span: its value per unit F2
+  std::vector<float> reflections;  // per reflection of the point: its value per unit F2
   std::vector<float> dy;           // in a refinement: d(y + background) / d parameter
 };
 
-// The value of point i (from 0) from the reflections first to last (from 0), whose terms of
-// this cycle must stand. Fails on an illegal profile number, with the list line in `listLines`.
-PointStatus CalculatePoint(const EngineState& state, int i, int first, int last,
+// The value of point i (from 0) from the given reflections (from 0), whose terms of this
+// cycle must stand. Fails on an illegal profile number, with the list line in `listLines`.
+PointStatus CalculatePoint(const EngineState& state, int i, std::span<const int> reflections,
                            PointValues& out, std::vector<std::string>& listLines);
 
-// Point i (from 0) with the reflections first to last (from 0) of its span. The reflections'
-// terms of this cycle must stand. Adds to the normal equations in a refinement.
-PointStatus PointTerms(EngineState& state, int i, int first, int last);
+// A point's derivatives dy (one per parameter), weight w and difference observed - calculated
+// into the normal equations: the right-hand side and the upper part of the matrix.
+void AddToNormalEquations(EngineState& state, std::span<const float> dy, float w, float diff);
+
+// Point i (from 0) with the reflections that reach it, whose terms of this cycle must stand.
+// Adds to the normal equations in a refinement.
+PointStatus PointTerms(EngineState& state, int i);
 
 // The background of every point from the coefficients and the background file.
 void SetBackground(EngineState& state);

@@ -74,57 +74,83 @@ void ReflectionStore::SortByPosition(int first, int last) {
   for (int r = 0; r < kRealCount; ++r) permute(reals_, r * kMaxReflections);
 }
 
-SpanStatus AssignPointSpans(const ReflectionStore& store, const PointSpanInput& in,
-                            std::vector<int>& spans, std::vector<std::string>& listLines) {
-  // (first, last) by point number from 1.
-  std::vector<std::array<int, 2>> table(in.points + 1, {0, 0});
-  for (int r = 0; r < store.Count(); ++r) {
-    const float p = store.Value(ReflectionStore::kPosition, r);
-    const float reach = in.base * store.Value(ReflectionStore::kHalfwidth, r);
-    const int lo = std::clamp(PointOf(p - reach, in), 1, in.points);
-    const int hi = std::clamp(PointOf(p + reach, in), 1, in.points);
-    for (int i = lo; i <= hi; ++i) {
-      table[i][1] = r + 1;
-      if (table[i][0] == 0) table[i][0] = r + 1;
-    }
-  }
+namespace {
+
+// The points (from 0) in excluded regions. A region is not clamped onto the range: the
+// engine's own region above the stop value begins one step behind the last point and excludes
+// none.
+std::vector<unsigned char> ExcludedPoints(const PointSpanInput& in) {
+  std::vector<unsigned char> excluded(in.points, 0);
   const float end = in.start + in.step * static_cast<float>(in.points - 1);
   for (const std::array<float, 2>& region : in.excludedRegions) {
     if (region[1] <= in.start) continue;
-    // Not clamped onto the range: the engine's own region above the stop value begins one step
-    // behind the last point and excludes none.
     const int lo = std::max(PointOf(region[0], in), 1);
     const int hi = std::min(PointOf(region[1], in), in.points);
-    for (int i = lo; i <= hi; ++i) table[i] = {0, 1};
+    for (int i = lo; i <= hi; ++i) excluded[i - 1] = 1;
     if (region[1] >= end) break;
   }
-  spans.assign(in.points, 0);
-  int usable = 0;
-  for (int i = 1; i <= in.points; ++i) {
-    if (table[i][1] - table[i][0] + 1 > kMaxSpanReflections) {
-      listLines.push_back(" EXCESSIVE PEAK OVERLAP");
-      return SpanStatus::kFailed;
-    }
-    spans[i - 1] = table[i][1] * kMaxReflections + table[i][0];
-    if (usable == 0 && table[i][0] > 0) usable = i;
+  return excluded;
+}
+
+// The points (from 0) that reflection r's peak range covers, clipped onto the pattern.
+std::array<int, 2> PeakRange(const ReflectionStore& store, int r, const PointSpanInput& in) {
+  const float p = store.Value(ReflectionStore::kPosition, r);
+  const float reach = in.base * store.Value(ReflectionStore::kHalfwidth, r);
+  return {std::clamp(PointOf(p - reach, in), 1, in.points) - 1,
+          std::clamp(PointOf(p + reach, in), 1, in.points) - 1};
+}
+
+// Indices of `keys` in ascending order of their key, equal keys in index order.
+std::vector<int> OrderedBy(const std::vector<int>& keys) {
+  std::vector<int> order(keys.size());
+  std::iota(order.begin(), order.end(), 0);
+  std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return keys[a] < keys[b]; });
+  return order;
+}
+
+}  // namespace
+
+SpanStatus AssignPointSpans(const ReflectionStore& store, const PointSpanInput& in,
+                            PointReflections& out, std::vector<std::string>& listLines) {
+  const int reflections = in.points > 0 ? store.Count() : 0;
+  out.excluded = ExcludedPoints(in);
+  std::vector<int> count(in.points, 0);
+  for (int r = 0; r < reflections; ++r) {
+    const std::array<int, 2> range = PeakRange(store, r, in);
+    for (int i = range[0]; i <= range[1]; ++i) count[i] += out.excluded[i] ? 0 : 1;
   }
-  if (usable == 0) {
+  if (std::any_of(count.begin(), count.end(), [](int n) { return n > kMaxReflectionsAtPoint; })) {
+    listLines.push_back(" EXCESSIVE PEAK OVERLAP");
+    return SpanStatus::kFailed;
+  }
+  out.start.assign(in.points + 1, 0);
+  std::partial_sum(count.begin(), count.end(), out.start.begin() + 1);
+  out.list.assign(out.start.back(), 0);
+  out.firstPoint.assign(reflections, in.points);
+  out.lastPoint.assign(reflections, -1);
+  std::vector<int> filled(out.start.begin(), out.start.end() - 1);
+  for (int r = 0; r < reflections; ++r) {
+    const std::array<int, 2> range = PeakRange(store, r, in);
+    for (int i = range[0]; i <= range[1]; ++i) {
+      if (out.excluded[i]) continue;
+      out.list[filled[i]++] = r;
+      out.firstPoint[r] = std::min(out.firstPoint[r], i);
+      out.lastPoint[r] = i;
+    }
+  }
+  out.byFirstPoint = OrderedBy(out.firstPoint);
+  out.byLastPoint = OrderedBy(out.lastPoint);
+  const auto usable = std::find_if(count.begin(), count.end(), [](int n) { return n > 0; });
+  if (usable == count.end()) {
     listLines.push_back("NO REFLECTIONS FOUND");
     return SpanStatus::kFailed;
   }
-  const float firstPosition = store.Value(ReflectionStore::kPosition, table[usable][0] - 1);
-  if (in.asymmetryRefined && firstPosition >= in.asymmetryLimit) {
+  const int first = out.list[out.start[usable - count.begin()]];
+  if (in.asymmetryRefined && store.Value(ReflectionStore::kPosition, first) >= in.asymmetryLimit) {
     listLines.push_back(" ASYMMETRY PARAMETER USAGE INVALID");
     return SpanStatus::kFailed;
   }
   return SpanStatus::kOk;
-}
-
-SpanReflections ReflectionsOfSpan(int span) {
-  if (span == kMaxReflections) return {0, -1, true};
-  const int first = span % kMaxReflections, last = span / kMaxReflections;
-  if (first == 0) return {};
-  return {first - 1, last - 1, false};
 }
 
 }  // namespace kaldena

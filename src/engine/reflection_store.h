@@ -1,9 +1,10 @@
-// The reflections of all phases in parallel arrays, phase after phase, and the span of
-// reflections that reach each pattern point.
+// The reflections of all phases in parallel arrays, phase after phase, and the reflections
+// that reach each pattern point.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -55,8 +56,24 @@ class ReflectionStore {
   std::vector<float> reals_;
 };
 
-// The reflections that reach each point, one span a point (points from 0): last * 8000 + first
-// (indices from 1), 8000 for an excluded point and 0 for an empty one.
+// The reflections that reach each pattern point: those whose peak range, the base of peak in
+// halfwidths either side of the position, covers the point, in every phase and no others.
+// Points and reflections are numbered from 0.
+struct PointReflections {
+  std::vector<int> start;  // per point and one behind: point i holds list[start[i], start[i + 1])
+  std::vector<int> list;   // reflection numbers, ascending at each point
+  std::vector<unsigned char> excluded;  // per point: in an excluded region
+  // Per reflection: the first and the last point that it reaches; first > last for none.
+  std::vector<int> firstPoint, lastPoint;
+  // The reflections ordered by their first point, and by their last (ties in store order).
+  std::vector<int> byFirstPoint, byLastPoint;
+
+  std::span<const int> At(int point) const {
+    return std::span<const int>(list).subspan(start[point], start[point + 1] - start[point]);
+  }
+  bool Excluded(int point) const { return excluded[point] != 0; }
+};
+
 struct PointSpanInput {
   float start = 0;
   float step = 0;
@@ -71,16 +88,10 @@ struct PointSpanInput {
 
 enum class SpanStatus { kOk = 0, kFailed = 1 };
 
+// Ties every point to the reflections that reach it. Fails with " EXCESSIVE PEAK OVERLAP" when
+// more than kMaxReflectionsAtPoint reach one point, "NO REFLECTIONS FOUND" or " ASYMMETRY
+// PARAMETER USAGE INVALID" in `listLines`.
 SpanStatus AssignPointSpans(const ReflectionStore& store, const PointSpanInput& input,
-                            std::vector<int>& spans, std::vector<std::string>& listLines);
-
-// The reflections of one span, from 0: none when last < first.
-struct SpanReflections {
-  int first = 0;
-  int last = -1;
-  bool excluded = false;
-};
-
-SpanReflections ReflectionsOfSpan(int span);
+                            PointReflections& out, std::vector<std::string>& listLines);
 
 }  // namespace kaldena

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "engine/engine_input.h"
 #include "engine/pattern_terms.h"
@@ -249,6 +250,11 @@ void GlobalRows(const EngineState& state, const Geometry& g, float f2, Row& row)
 }  // namespace
 
 void ReflectionTerms(EngineState& state, int r) {
+  CycleWork& work = state.work;
+  if (work.rowSlot[r] < 0) {
+    work.rowSlot[r] = work.freeSlots.back();
+    work.freeSlots.pop_back();
+  }
   ReflectionStore& store = state.reflections;
   int phaseNumber = 0, line = 0, hi = 0, ki = 0, li = 0;
   ReflectionStore::UnpackIndex(store.PackedIndex(r), phaseNumber, line, hi, ki, li);
@@ -277,7 +283,7 @@ void ReflectionTerms(EngineState& state, int r) {
   g.sin2Theta = std::sin(2 * theta);
   g.p = 2 * theta * kDegree;
   store.Value(ReflectionStore::kPosition, r) = g.p;
-  state.work.ringTan[RingSlot(r)] = g.t;
+  work.slotTan[RowSlot(work, r)] = g.t;
   g.fault = StackingFaultShift(g.p, hi, ki, li);
   const float pShape = g.p + v[kStackingFault].value * g.fault;
 
@@ -324,7 +330,7 @@ void ReflectionTerms(EngineState& state, int r) {
   state.work.phaseAngle[r] = angle;
   if (!refinement) return;
 
-  float* rowData = &state.work.rows[static_cast<size_t>(RingSlot(r)) * kMaxParameters];
+  float* rowData = &work.rows[static_cast<size_t>(RowSlot(work, r)) * kMaxParameters];
   std::fill(rowData, rowData + state.parameters, 0.0f);
   Row row(rowData, state.parameters);
   for (int a = 0; a < phase.atoms; ++a) {
@@ -332,6 +338,19 @@ void ReflectionTerms(EngineState& state, int r) {
   }
   PhaseRows(state, phase, g, f2, row);
   GlobalRows(state, g, f2, row);
+}
+
+void FreeRowSlots(CycleWork& work, int reflections) {
+  work.rowSlot.assign(reflections, -1);
+  work.freeSlots.resize(kMaxReflectionsAtPoint);
+  // Slot 0 is taken first.
+  std::iota(work.freeSlots.rbegin(), work.freeSlots.rend(), 0);
+}
+
+void FreeRowSlot(CycleWork& work, int r) {
+  if (work.rowSlot[r] < 0) return;
+  work.freeSlots.push_back(work.rowSlot[r]);
+  work.rowSlot[r] = -1;
 }
 
 void SetRowFactors(EngineState& state) {

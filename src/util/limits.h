@@ -9,10 +9,8 @@ inline constexpr int kMaxAtoms = 500;
 inline constexpr int kMaxAtomTypes = 100;
 inline constexpr int kMaxOperators = 192;
 inline constexpr int kMaxReflections = 8000;
-inline constexpr int kMaxReflectionsAtPoint = 1024;
-// A point's span may run from reflection n to n + kMaxReflectionsAtPoint: this many reflections,
-// whose terms must all stand at once while the point is calculated.
-inline constexpr int kMaxSpanReflections = kMaxReflectionsAtPoint + 1;
+// Reflections that reach one point, whose terms must all stand at once while it is calculated.
+inline constexpr int kMaxReflectionsAtPoint = 4096;
 inline constexpr int kMaxParameters = 400;
 inline constexpr int kMaxExcludedRegions = 30;
 inline constexpr int kMaxRestraints = 500;

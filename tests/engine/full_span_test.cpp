@@ -1,5 +1,5 @@
-// A point that holds as many reflections as a span may have: its value and derivatives are the
-// sums of the same reflections evaluated one by one.
+// A point that as many reflections reach as one point may hold: its value and derivatives are
+// the sums of the same reflections evaluated one by one.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,8 +14,8 @@ namespace {
 
 // A large triclinic cell of three light atoms: hundreds of reflections a degree whose structure
 // factors differ from one to the next, broad Voigt peaks (their Lorentzian width follows
-// tan theta), the scale and an x coordinate refined. With a base of about a third of a
-// halfwidth every reflection of a span is strong at the point.
+// tan theta), the scale and an x coordinate refined. With a base of about two halfwidths
+// every reflection that reaches the point is strong there.
 std::string Project() {
   std::ostringstream p;
   p << "TITL      full span\nFRMT          5\nPWDT      flat.xy\n"
@@ -23,7 +23,7 @@ std::string Project() {
     << "ELAM        1.540560  0.000000  0.000000\n"
     << "RLIM         0.30000   0.00000   0.00000   0.00000   0.00000   0.00000   0.00000   "
        "0.00000\n"
-    << "RELX          1 0.01 1.00 1.00 1.00 1.00  38.00000   0.02000  42.00000\n"
+    << "RELX          1 0.01 1.00 1.00 1.00 1.00  34.00000   0.02000  46.00000\n"
     << "ANOM      C            0.01700   0.00900\nANOM      N            0.02900   0.01800\n"
     << "ANOM      O            0.04920   0.03220\n"
     << "ZETT         0.00000   0.00000   0.00000\nCZET           0.000     0.000     0.000\n"
@@ -43,7 +43,7 @@ std::string Project() {
 
 std::string FlatPattern() {
   std::ostringstream flat;
-  for (int i = 0; i <= 250; ++i) flat << 37.5 + 0.02 * i << " 100\n";
+  for (int i = 0; i <= 650; ++i) flat << 33.5 + 0.02 * i << " 100\n";
   return flat.str();
 }
 
@@ -51,10 +51,8 @@ std::string FlatPattern() {
 std::pair<int, int> WidestPoint(const EngineState& state) {
   std::pair<int, int> widest = {-1, 0};
   for (int i = 0; i < state.points.count; ++i) {
-    const SpanReflections span = ReflectionsOfSpan(state.work.spans[i]);
-    if (!span.excluded && span.last - span.first + 1 > widest.second) {
-      widest = {i, span.last - span.first + 1};
-    }
+    const int count = static_cast<int>(state.work.reach.At(i).size());
+    if (count > widest.second) widest = {i, count};
   }
   return widest;
 }
@@ -79,24 +77,25 @@ TEST(FullSpan, IsTheSumOfItsReflectionsOneByOne) {
   ASSERT_TRUE(project.ok) << project.ListFile();
   EngineState& state = project.state;
   ASSERT_EQ(state.parameters, 2);
-  const int point = PointWithReflections(state, kMaxSpanReflections);
-  ASSERT_GE(point, 0) << "no peak base gives a full span";
-  const SpanReflections span = ReflectionsOfSpan(state.work.spans[point]);
-  ASSERT_EQ(span.last - span.first + 1, kMaxSpanReflections);
+  const int point = PointWithReflections(state, kMaxReflectionsAtPoint);
+  ASSERT_GE(point, 0) << "no peak base gives a full point";
+  const std::span<const int> reach = state.work.reach.At(point);
+  ASSERT_EQ(reach.size(), static_cast<size_t>(kMaxReflectionsAtPoint));
 
-  // As the sweep does it: the terms of every reflection up to the last of the span, then the
-  // point from all of them at once.
-  for (int r = 0; r <= span.last; ++r) ReflectionTerms(state, r);
+  // As the sweep does it: the terms of every reflection that reaches the point, each in a row
+  // slot of its own, then the point from all of them at once.
+  FreeRowSlots(state.work, state.reflections.Count());
+  for (const int r : reach) ReflectionTerms(state, r);
   std::vector<std::string> lines;
   PointValues whole;
-  ASSERT_EQ(CalculatePoint(state, point, span.first, span.last, whole, lines), PointStatus::kOk);
+  ASSERT_EQ(CalculatePoint(state, point, reach, whole, lines), PointStatus::kOk);
 
   float y = 0;
   std::vector<float> dy(state.parameters, 0.0f), size(state.parameters, 0.0f);
-  for (int r = span.first; r <= span.last; ++r) {
-    ReflectionTerms(state, r);
+  for (const int r : reach) {
     PointValues one;
-    ASSERT_EQ(CalculatePoint(state, point, r, r, one, lines), PointStatus::kOk);
+    ASSERT_EQ(CalculatePoint(state, point, std::span<const int>(&r, 1), one, lines),
+              PointStatus::kOk);
     y += one.y;
     for (int q = 0; q < state.parameters; ++q) {
       dy[q] += one.dy[q];

@@ -80,10 +80,9 @@ struct Model : testing::EngineProject {
     SetBackground(state);
     std::vector<float> total;
     for (int i = 0; i < state.points.count; ++i) {
-      const SpanReflections span = ReflectionsOfSpan(state.work.spans[i]);
       PointValues v;
       std::vector<std::string> lines;
-      EXPECT_EQ(CalculatePoint(state, i, span.first, span.last, v, lines), PointStatus::kOk);
+      EXPECT_EQ(CalculatePoint(state, i, state.work.reach.At(i), v, lines), PointStatus::kOk);
       total.push_back(v.y + state.work.background[i]);
       if (derivatives) derivatives->push_back(v.dy);
     }
