@@ -176,9 +176,8 @@ void DrawPatternPlot(PlotLibrary& plot, const PlotData& data, PlotView& view,
   zoom.frameY = kFrameY;
   zoom.frameWidth = w;
   zoom.frameHeight = h;
-  const float pixels = plot.DeviceScale();
-  zoom.unitsPerPixelX = (xs.upper - xs.lower) / (w * pixels);
-  zoom.unitsPerPixelY = (ys.upper - ys.lower) / (h * pixels);
+  zoom.unitsPerPixelX = (xs.upper - xs.lower) / (w * plot.DeviceScaleX());
+  zoom.unitsPerPixelY = (ys.upper - ys.lower) / (h * plot.DeviceScaleY());
   zoom.braggTolerance = 0.002f * (xs.upper - xs.lower);
 
   // Working arrays of the points in range.

@@ -69,20 +69,23 @@ std::string PlotNumber(float value, int decimals) {
   return number;
 }
 
-PlotLibrary::PlotLibrary(Canvas& canvas, float left, float bottom, float right, float top)
+PlotLibrary::PlotLibrary(Canvas& canvas, float left, float bottom, float right, float top,
+                         PageFit fit)
     : canvas_(canvas), left_(left), top_(top) {
   const double w = std::max(1e-6f, right - left), h = std::max(1e-6f, top - bottom);
   k_ = std::min(canvas.Width() / w, canvas.Height() / h);
-  offsetX_ = (canvas.Width() - k_ * w) / 2;
-  offsetY_ = (canvas.Height() - k_ * h) / 2;
+  kx_ = fit == PageFit::kFill ? canvas.Width() / w : k_;
+  ky_ = fit == PageFit::kFill ? canvas.Height() / h : k_;
+  offsetX_ = (canvas.Width() - kx_ * w) / 2;
+  offsetY_ = (canvas.Height() - ky_ * h) / 2;
   PlotInit();
 }
 
 double PlotLibrary::DeviceX(float x) const {
-  return offsetX_ + k_ * (originX_ + scale_ * x - left_);
+  return offsetX_ + kx_ * (originX_ + scale_ * x - left_);
 }
 double PlotLibrary::DeviceY(float y) const {
-  return offsetY_ + k_ * (top_ - (originY_ + scale_ * y));
+  return offsetY_ + ky_ * (top_ - (originY_ + scale_ * y));
 }
 
 void PlotLibrary::PlotInit() {

@@ -28,9 +28,14 @@ AxisScale AutoScale(std::span<const float> values, float size);
 std::string PlotNumber(float value, int decimals);
 
 // Text heights below are in plot units; angles in degrees counterclockwise.
+// How a page box meets its canvas: at one scale, centred (files, maps), or stretched to fill
+// it (the pattern and halfwidth plots in a window of any shape).
+enum class PageFit { kUniform, kFill };
+
 class PlotLibrary {
  public:
-  PlotLibrary(Canvas& canvas, float left, float bottom, float right, float top);
+  PlotLibrary(Canvas& canvas, float left, float bottom, float right, float top,
+              PageFit fit = PageFit::kUniform);
 
   Canvas& canvas() { return canvas_; }
 
@@ -69,14 +74,17 @@ class PlotLibrary {
   double DeviceY(float y) const;
   float OriginX() const { return originX_; }
   float OriginY() const { return originY_; }
-  // Device units per plot unit.
-  float DeviceScale() const { return static_cast<float>(k_); }
+  // Device units per plot unit along x and y.
+  float DeviceScaleX() const { return static_cast<float>(kx_); }
+  float DeviceScaleY() const { return static_cast<float>(ky_); }
   float TextHeight() const { return textHeight_; }
 
  private:
   Canvas& canvas_;
   float left_, top_;
-  double k_ = 1.0, offsetX_ = 0.0, offsetY_ = 0.0;
+  double kx_ = 1.0, ky_ = 1.0;  // device units per plot unit
+  double k_ = 1.0;              // the smaller of the two, for text
+  double offsetX_ = 0.0, offsetY_ = 0.0;
   float scale_ = 1.0f;
   float originX_ = 0.0f, originY_ = 0.0f;
   float penX_ = 0.0f, penY_ = 0.0f;

@@ -26,13 +26,13 @@ void DrawPattern(ShellState& state, Toolkit& toolkit, Canvas& canvas) {
     ShellReporter reporter(state, toolkit);
     ReadSummary(state, plot.data, reporter);
   }
-  PlotLibrary library(canvas, kPageLeft, kPageBottom, kPageRight, kPageTop);
+  PlotLibrary library(canvas, kPageLeft, kPageBottom, kPageRight, kPageTop, PageFit::kFill);
   DrawPatternPlot(library, plot.data, plot.view, state.projectBaseName, DateTimeText(toolkit, 18));
 }
 
 void DrawHalfwidths(ShellState& state, Toolkit& toolkit, Canvas& canvas) {
   ShellReporter reporter(state, toolkit);
-  PlotLibrary library(canvas, kPageLeft, kPageBottom, kPageRight, kPageTop);
+  PlotLibrary library(canvas, kPageLeft, kPageBottom, kPageRight, kPageTop, PageFit::kFill);
   DrawHalfwidthPlot(library, InProjectDir(state, state.parameterFileName), state.projectBaseName,
                     DateTimeText(toolkit, 18), reporter);
 }

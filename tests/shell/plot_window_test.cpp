@@ -59,6 +59,11 @@ TEST(PlotWindow, ARunShowsThePatternAndExposeAndResizeDrawItAgain) {
   EXPECT_GT(LinesInColour(canvas, kSumColour), 500);
   EXPECT_LE(RightmostLine(canvas), 640);
   EXPECT_GT(RightmostLine(canvas), 400);  // the plot fills the new width
+
+  // A wide, low window: the plot takes its width too, not a column of the page's shape.
+  canvas.Resize(1600, 400);
+  HandleMessage(s.shell, {kResize});
+  EXPECT_GT(RightmostLine(canvas), 1300);
 }
 
 // The pixel of a data position on the pattern as last drawn.
