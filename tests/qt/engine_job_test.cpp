@@ -16,6 +16,7 @@
 
 #include "modal_answerer.h"
 #include "qt/qt_toolkit.h"
+#include "corundum_program.h"
 #include "qt_windows.h"
 #include "shell/main_window.h"
 #include "shell/project_lifecycle.h"
@@ -53,36 +54,9 @@ class CycleGate {
   bool released_ = false;
 };
 
-struct Program {
-  Program() : toolkit({"kaldena"}) {
-    const std::string rec =
-        testing::ReadBytes(testing::TestData("../../examples/corundum/corundum.rec")) +
-        "PWPR      corundum.par\nPWUT      corundum.out\nPWSM      corundum.sum\n"
-        "PWFO      corundum.fou\n";
-    dir.Write("corundum.rec", rec);
-    fs::copy_file(testing::TestData("../../examples/corundum/corundum.xy"),
-                  dir.Path() / "corundum.xy");
-    testing::OpenMainAndLog(toolkit, state);
-    toolkit.WindowStatusBarParts(std::vector<int>{2000, 2000, 2000, 2000, 2000});
-    InstallToolHooks(state);
-    state.recentProjects[0] = (dir.Path() / "corundum.rec").string();
-    OpenProject(state, toolkit, 1);
-  }
-  ~Program() { toolkit.WindowClose(); }
-  QString Log() { return toolkit.Window(state.logWindow)->Editor()->toPlainText(); }
-  QImage Plot() {
-    toolkit.PresentAll();
-    return toolkit.Window(kMainWindow)->Plot().Shown().copy();
-  }
-
-  testing::ModalAnswerer answerer;
-  testing::ScratchDir dir;
-  QtToolkit toolkit;
-  ShellState state;
-};
 
 TEST(EngineJob, ARefinementHeldInACycleLeavesTheLoopServingAndStopsAfterThatCycle) {
-  Program program;
+  testing::CorundumProgram program;
   CycleGate gate;
   QImage afterCycle1, afterCycle2;
   program.state.hooks.afterCycleShown = [&](int cycle) {
@@ -143,7 +117,7 @@ TEST(EngineJob, ARefinementHeldInACycleLeavesTheLoopServingAndStopsAfterThatCycl
 }
 
 TEST(EngineJob, EscapeStopsAndClosingTheWindowEndsTheProgramAfterTheRun) {
-  Program program;
+  testing::CorundumProgram program;
   program.state.hooks.afterCycleShown = [&](int cycle) {
     if (cycle != 1) return;
     program.toolkit.OnLoopThread([&] {
