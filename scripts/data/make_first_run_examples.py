@@ -76,16 +76,16 @@ def true_model(text, lines):
     return "\n".join(out) + "\n"
 
 
-def pattern(name, spec, rng):
+def pattern(name, example, rng):
     folder = ROOT / "examples" / name
     with tempfile.TemporaryDirectory() as work:
         work = pathlib.Path(work)
         args = ["new", "model.rec"]
-        for cif in spec["cifs"]:
+        for cif in example["cifs"]:
             args += ["--from-cif", str(folder / cif)]
         kalden(work, *args)
         model = work / "model.rec"
-        model.write_text(true_model(model.read_text(), spec["lines"]))
+        model.write_text(true_model(model.read_text(), example["lines"]))
         kalden(work, "run", "model.rec")
         rows = []
         for line in (work / "model.sum").read_text().splitlines():
@@ -97,8 +97,8 @@ def pattern(name, spec, rng):
 
 def main():
     rng = random.Random(20261124)
-    for name, spec in EXAMPLES.items():
-        pattern(name, spec, rng)
+    for name, example in EXAMPLES.items():
+        pattern(name, example, rng)
 
 
 if __name__ == "__main__":
