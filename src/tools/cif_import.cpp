@@ -239,16 +239,9 @@ void SetSiteFactors(CifPhase& phase) {
     return;
   }
   for (CifAtom& atom : phase.atoms) {
-    // A copy: the site search may move a position onto its special set, and the CIF's
-    // coordinates are to stand as given.
-    std::array<float, 3> position{atom.values[0], atom.values[1], atom.values[2]};
-    SiteSymmetry site;
-    std::vector<std::string> ignored;
-    const ExpandStatus status = SitePosition(info, position, site, ignored);
-    if ((status == ExpandStatus::kOk || status == ExpandStatus::kPositionMoved) &&
-        site.multiplicityFactor > 0.0f) {
-      atom.siteFactor = std::max(1, static_cast<int>(std::lround(1.0f / site.multiplicityFactor)));
-    }
+    // The site search works on a copy: the CIF's coordinates stand as given.
+    const int factor = SiteFactorOf(info, {atom.values[0], atom.values[1], atom.values[2]});
+    if (factor > 0) atom.siteFactor = factor;
   }
 }
 
