@@ -16,7 +16,6 @@
 #include <QTableWidget>
 #include <algorithm>
 #include <cstdlib>
-#include <sstream>
 
 #include "util/column_format.h"
 #include "util/text.h"
@@ -47,15 +46,6 @@ int GridCellValue(int row, int column) { return (row << 18) | column; }
 
 }  // namespace
 
-std::string RealText(double value, const std::string& format) {
-  if (!format.empty()) {
-    const std::string text = FormatLine(format, value);
-    if (!text.empty()) return std::string(Trimmed(LeftJustify(text)));
-  }
-  std::ostringstream out;
-  out << value;
-  return out.str();
-}
 
 struct QtDialogs::Loaded {
   const DialogResource* resource = nullptr;
@@ -317,7 +307,7 @@ void QtDialogs::PutReal(int field, double value) {
     Selected()->putting = false;
     return;
   }
-  PutString(field, RealText(value, resource->format));
+  PutString(field, FieldRealText(value, resource->format));
 }
 
 double QtDialogs::GetReal(int field) const {
@@ -427,7 +417,7 @@ void QtDialogs::PutCell(int grid, int column, int row, std::string_view text) {
 
 void QtDialogs::PutCellReal(int grid, int column, int row, double value) {
   const DialogField* field = ColumnField(grid, column);
-  PutCell(grid, column, row, RealText(value, field ? field->format : std::string()));
+  PutCell(grid, column, row, FieldRealText(value, field ? field->format : std::string()));
 }
 
 void QtDialogs::PutCellCheckBox(int grid, int column, int row, int state) {

@@ -85,8 +85,4 @@ class QtDialogs {
   int selected_ = 0;
 };
 
-// A real through a field's format ("(f8.2)"), asterisks when it is too wide, blanks cut;
-// the shortest form of the number without a format.
-std::string RealText(double value, const std::string& format);
-
 }  // namespace kaldena

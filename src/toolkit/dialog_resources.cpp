@@ -474,6 +474,13 @@ const BuiltIn& BuiltInDialogs() {
 
 }  // namespace
 
+std::string FieldRealText(double value, std::string_view format) {
+  if (!format.empty()) return StrippedText(FormatLine(format, value));
+  char text[32];
+  const auto result = std::to_chars(text, text + sizeof text, value);
+  return std::string(text, result.ptr);
+}
+
 const DialogResource* FindDialogResource(int dialogId) {
   return FindIn(BuiltInDialogs().dialogs, dialogId);
 }

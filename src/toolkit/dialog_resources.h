@@ -100,6 +100,11 @@ struct DialogResource {
   const DialogField* Field(int fieldId) const;
 };
 
+// A real as a field shows it, alike in every toolkit: through the field's format ("(f8.2)"),
+// asterisks when it is too wide, blanks cut; without a format, the fewest digits that read
+// back to the same value.
+std::string FieldRealText(double value, std::string_view format);
+
 // Reads the dialogs of one resource text. On the first error, false and a message that names
 // the text and the line ("plot_options.dlg:12: ..."); `dialogs` then holds what came before.
 bool ReadDialogResources(std::string_view text, std::string_view name,

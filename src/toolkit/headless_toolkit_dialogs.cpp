@@ -57,15 +57,8 @@ bool IsNumberFor(const DialogField& field, const std::string& value) {
   return result.ec == std::errc() && result.ptr == end;
 }
 
-// A real as its field shows it: through the field's format, or in the fewest digits that
-// read back to the same value.
 std::string RealText(const DialogField* field, double value) {
-  if (field != nullptr && !field->format.empty()) {
-    return StrippedText(FormatLine(field->format, value));
-  }
-  char text[32];
-  const auto result = std::to_chars(text, text + sizeof text, value);
-  return std::string(text, result.ptr);
+  return FieldRealText(value, field != nullptr ? field->format : std::string());
 }
 
 // A spin field cannot show a value outside its range.

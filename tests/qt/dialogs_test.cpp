@@ -90,7 +90,8 @@ TEST(Dialogs, RealsShowThroughTheirFormatWithinTheirRange) {
   EXPECT_NE(range->validate(text, at), QValidator::Acceptable);
   text = "90.5";
   EXPECT_EQ(range->validate(text, at), QValidator::Acceptable);
-  EXPECT_EQ(RealText(0.5, ""), "0.5");
+  EXPECT_EQ(FieldRealText(0.5, ""), "0.5");
+  EXPECT_EQ(FieldRealText(0.1234567, ""), "0.1234567");  // every digit it needs, as headless
 }
 
 TEST(Dialogs, LengthsRangesAndRadioGroups) {
