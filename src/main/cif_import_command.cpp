@@ -1,5 +1,6 @@
 // "kalden new --from-cif", which drives the shell's own "New project from CIF", once for each
 // CIF; with --data the project is then set up to refine that pattern at once.
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -167,10 +168,20 @@ int SetUpData(const FromCifArguments& a) {
 int NewFromCifCommand(const std::vector<std::string>& args) {
   FromCifArguments a;
   if (!ParseArguments(args, a)) return kBadArguments;
+  const std::string recFile = ForceExtension(a.project, "rec");
+  const bool existed = std::filesystem::exists(recFile);
   for (std::size_t i = 0; i < a.cifs.size(); ++i) {
     if (!ImportOne(a.project, a.cifs[i], i > 0 || a.useExisting)) return 1;
   }
-  return a.data.empty() ? 0 : SetUpData(a);
+  if (a.data.empty()) return 0;
+  const int status = SetUpData(a);
+  if (status != 0 && !existed) {
+    // A pattern that does not serve leaves no half project behind to trip the next try.
+    std::error_code ignored;
+    std::filesystem::remove(recFile, ignored);
+    std::filesystem::remove(ForceExtension(recFile, "par"), ignored);
+  }
+  return status;
 }
 
 }  // namespace kaldena
